@@ -1,0 +1,135 @@
+#pragma once
+
+#include "plugin/webinterface.h"
+#include "processing/svpmodel.h"
+#include "settings/cdatafile.h"
+#include "settings/defaultsettings.h"
+#include "settings/reportformat.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <string>
+#include <vector>
+
+class QUdpSocket;
+
+/// The engine as its host sees it: one object that opens, checks and answers.
+///
+/// It keeps no profile between requests: opening returns the whole profile, and each later action
+/// gets it again in its request. All calls come on the thread that owns the object, one at a time;
+/// replies are emitted from within the call. Nothing at start-up is fatal, and nothing is thrown
+/// to the host.
+class CSVP_WebInterface : public WebInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "com.ardentide.svpwebinterfacelib")
+    Q_INTERFACES(WebInterface)
+
+  public:
+    /// Binds the input socket, makes or loads the settings file and puts the default extension
+    /// profile into the data folder where it is missing.
+    explicit CSVP_WebInterface(QObject* parent = nullptr);
+    ~CSVP_WebInterface() override;
+    Q_DISABLE_COPY(CSVP_WebInterface)
+
+    QStringList getRegisterWebSocket() override;
+    QStringList getRegisterPost() override;
+
+    /// The report message stored under `key`, its "%d" and "%.2f" filled from the arguments (see
+    /// `settings::formatReport`), every backslash turned into "/". Empty for a missing key.
+    template <typename... Arguments>
+    std::string GetReportErr(const char* key, const Arguments&... arguments)
+    {
+        return reportMessage(key, {settings::ReportArgument(arguments)...});
+    }
+
+    /// Whether the profile in a send request may leave unchanged. `message` is set when the
+    /// request has the wrong number of pieces, else left as it is.
+    bool QuickCheck(QString& message, const QString& body);
+
+    /// Appends an alert text to the pending ones, which are sent after the reply of this turn;
+    /// texts of one turn are separated by a line feed.
+    void addPendingAlert(const std::string& text);
+
+    /// Empties the working buffers of the processing actions.
+    void blankSVP();
+
+    /// Writes the default settings into the store and, when `path` (UTF-8) is not empty, to that
+    /// file. Always true: a file that cannot be written leaves the defaults in memory.
+    bool GenerateDefaultINI(const std::string& path);
+
+    /// Whether the settings file `path` (UTF-8) is outdated, missing or unreadable.
+    static bool fnCheckVersionINI(const std::string& path);
+
+  Q_SIGNALS:
+    /// Answer to the POST of `connection`: the whole HTTP response.
+    void sendPostResponse(int connection, QByteArray response);
+    /// One reply or unsolicited message, as indented JSON, for the pages registered as `target`.
+    void sendWSPacket(QString target, QByteArray json);
+
+  public Q_SLOTS:
+    /// One message of a page: "x,ACTION=SVP_WebInterface/<action>,<body>". Served when `name` is
+    /// registered, in any case; replies go to `name` from then on.
+    void requestWebSocket(int connection, QString name, QString data) override;
+    /// A whole HTTP POST: request line, headers and body.
+    void requestPost(int connection, const QByteArray& request);
+    /// Reads the datagrams that wait at the input socket.
+    void readPendingDatagrams();
+
+  private:
+    using Handler = void (CSVP_WebInterface::*)(const QString& body);
+    struct Action
+    {
+        QLatin1String name;
+        Handler handler;
+    };
+    static const std::vector<Action>& actionTable();
+
+    void bindInputSocket();
+    void loadSettings();
+    void provideExtensionProfile();
+
+    void dispatch(const QString& data);
+    void send(const QJsonObject& reply);
+    void handleAlert(std::string& text);
+    std::string reportMessage(const char* key, const std::vector<settings::ReportArgument>& values);
+
+    void handleOpenRequest(const QString& body);
+    bool handleOpenSVP(const QString& body, const QByteArray& content);
+    void handleSave(const QString& body);
+    void handleSaveAs(const QString& body);
+    void handleSendSVPtoQRV(const QString& body);
+    void handleCloseSVP(const QString& body);
+    void handleFixProfile(const QString& body);
+    void handleExtendWithFile(const QString& body);
+    void handleExtendDefault(const QString& body);
+    void handleExtendTempSal(const QString& body);
+    void handleThin(const QString& body);
+    void handleRVT300(const QString& body);
+    void handleDistribute(const QString& body);
+    void handleShowRaypath(const QString& body);
+    void handleSaveFilter(const QString& body);
+    void handleGetAllFilters(const QString& body);
+    void handleDeleteFilter(const QString& body);
+    void handleCheckProfile(const QString& body);
+    void handleSelectExtentionFile(const QString& body);
+    void handleReady(const QString& body);
+    void handleReadyConnected();
+    void handleDelayedAlert(const QString& body);
+
+    QStringList postNames;
+    QStringList webSocketNames;
+    QStringList svpFilters;
+    QString replyTarget;
+    QString postErrorText;    // why the last open failed, for the answer to an upload
+    std::string pendingAlert; // sent and emptied by handleAlert
+    CDataFile settings;
+    settings::ProfileLimits profileLimits;
+    std::string reportText; // last formatted report message
+    processing::CSVPModel model;
+    QUdpSocket* udpSocket = nullptr;
+};

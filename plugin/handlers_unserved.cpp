@@ -1,0 +1,129 @@
+#include "plugin/csvp_webinterface.h"
+#include "plugin/reply.h"
+#include "profile/protocol.h"
+
+#include <QDebug>
+#include <QUdpSocket>
+
+// Actions that are part of the protocol but not served by this version. Each says so, so that a
+// front end never waits for an answer that does not come.
+
+using namespace protocol;
+
+namespace {
+
+QJsonObject unserved(QLatin1String whoami, const char* deed)
+{
+    return Reply(whoami).failure(QString::fromLatin1(deed) +
+                                 QLatin1String(" is not available in this version of the engine."));
+}
+
+} // namespace
+
+void CSVP_WebInterface::handleSave(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::save, "Saving a profile"));
+}
+
+void CSVP_WebInterface::handleSaveAs(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::save, "Saving a profile under a new name"));
+}
+
+void CSVP_WebInterface::handleSendSVPtoQRV(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::send, "Sending a profile to the survey system"));
+}
+
+void CSVP_WebInterface::handleFixProfile(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::fix, "Fixing a profile"));
+}
+
+void CSVP_WebInterface::handleExtendWithFile(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::extendWithFile, "Extending a profile with a file"));
+}
+
+void CSVP_WebInterface::handleExtendDefault(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::extendDefault, "Extending a profile with the default rows"));
+}
+
+void CSVP_WebInterface::handleExtendTempSal(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::extendTempSal, "Extending a profile by temperature and salinity"));
+}
+
+void CSVP_WebInterface::handleThin(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::thin, "Thinning a profile"));
+}
+
+void CSVP_WebInterface::handleRVT300(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::receiver, "Handing a profile to the RVT300 receiver"));
+}
+
+void CSVP_WebInterface::handleDistribute(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::distribute, "Distributing a profile"));
+}
+
+void CSVP_WebInterface::handleShowRaypath(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::rayPath, "Tracing a ray path"));
+}
+
+void CSVP_WebInterface::handleSaveFilter(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::saveFilter, "Saving an import filter"));
+}
+
+void CSVP_WebInterface::handleGetAllFilters(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::allFilters, "Listing the import filters"));
+}
+
+void CSVP_WebInterface::handleDeleteFilter(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::deleteFilter, "Deleting an import filter"));
+}
+
+void CSVP_WebInterface::handleSelectExtentionFile(const QString& body)
+{
+    Q_UNUSED(body)
+    send(unserved(action::selectExtension, "Selecting an extension file"));
+}
+
+void CSVP_WebInterface::requestPost(int connection, const QByteArray& request)
+{
+    Q_UNUSED(request)
+    Q_EMIT sendPostResponse(connection,
+                            "HTTP/1.0 500 Internal Server Error\r\n"
+                            "Content-Type: text/html; charset=\"ISO-8859-1\"\r\n\r\n"
+                            "Uploading a profile is not available in this version of the engine.");
+}
+
+void CSVP_WebInterface::readPendingDatagrams()
+{
+    // Read them all the same: datagrams that stay would keep the socket from signalling.
+    while (udpSocket->hasPendingDatagrams()) {
+        udpSocket->readDatagram(nullptr, 0);
+        qDebug() << "SVP Editor - WARNING - datagrams are not served by this version";
+    }
+}

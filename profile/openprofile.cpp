@@ -1,0 +1,69 @@
+#include "profile/openprofile.h"
+
+#include "platform/platform.h"
+#include "profile/asvpfile.h"
+#include "profile/importfilter.h"
+#include "profile/profilereply.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+
+namespace profile {
+
+namespace {
+
+OpenedProfile refused(const QString& reason)
+{
+    return {{}, reason};
+}
+
+OpenedProfile openAsvp(const QByteArray& content, const tagDecodeFmt& format, const QString& name)
+{
+    const AsvpFile file = readAsvp(content, format);
+    if (file.header.isEmpty())
+        return refused(QStringLiteral("Header not correct in file."));
+    OpenedProfile opened;
+    insertAsvpHeader(opened.reply, file.header);
+    opened.reason = insertProfile(opened.reply, file.record, name);
+    return opened;
+}
+
+bool isLetterOrDigit(QChar character)
+{
+    return character.unicode() < 128 && character.isLetterOrNumber();
+}
+
+} // namespace
+
+QString requestedFileName(const QString& request)
+{
+    QString name = request;
+    name.remove(QLatin1Char('[')).remove(QLatin1String(",asvp]")).remove(QLatin1String(",ssp]"));
+    const int comma = name.lastIndexOf(QLatin1Char(','));
+    if (comma >= 0 && name.endsWith(QLatin1Char(']'))) {
+        const QStringRef kind = name.midRef(comma + 1).chopped(1);
+        if (!kind.isEmpty() && std::all_of(kind.begin(), kind.end(), isLetterOrDigit))
+            name.truncate(comma);
+    }
+    return name;
+}
+
+OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
+                          const QStringList& filters)
+{
+    QByteArray content;
+    const QString path = folder.pathOf(name);
+    if (path.isEmpty() || !platform::readFile(path, content))
+        return refused(QStringLiteral("File does not exist or cannot be opened for reading"));
+
+    FilterRow filter;
+    if (!findFilter(filters, name, filter))
+        return refused(QStringLiteral("Filter not found."));
+    if (filter.postfix == QLatin1String(".asvp"))
+        return openAsvp(content, filter.format, name);
+    return refused(QStringLiteral("Files ending in \"") + filter.postfix +
+                   QStringLiteral("\" cannot be opened by this version."));
+}
+
+} // namespace profile

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "profile/profilefolder.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+namespace profile {
+
+/// The file name in an open request, "[" name "," kind "]": every "[" is dropped, the tokens
+/// ",asvp]" and ",ssp]" are dropped wherever they stand, and so is one more ",kind]" of letters
+/// and digits at the end. What remains is the name, which may hold commas and "]" itself.
+QString requestedFileName(const QString& request);
+
+/// What opening a file gave: the reply's own keys, or the reason of the failure.
+struct OpenedProfile
+{
+    QJsonObject reply;
+    QString reason; ///< empty on success
+};
+
+/// Reads the profile file `name` of `folder`, by the first of the filter rows `filters` that fits
+/// its suffix. Reasons, in the order of the tests: "File does not exist or cannot be opened for
+/// reading", "Filter not found.", then what the kind of file gives.
+OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
+                          const QStringList& filters);
+
+} // namespace profile

@@ -1,0 +1,121 @@
+#include "profile/requestblock.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace profile {
+
+namespace {
+
+// The text of a piece; empty beyond the last one.
+class PieceTexts
+{
+  public:
+    PieceTexts(const QVector<QStringRef>& pieces, int first) : m_pieces(pieces), m_first(first) {}
+
+    QStringRef ref(int index) const
+    {
+        const int place = m_first + index;
+        return place < m_pieces.size() ? m_pieces[place] : QStringRef();
+    }
+    QString operator[](int index) const { return ref(index).toString(); }
+
+  private:
+    const QVector<QStringRef>& m_pieces;
+    int m_first;
+};
+
+} // namespace
+
+QString withoutBrackets(const QString& request)
+{
+    QString block = request;
+    block.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
+    return block;
+}
+
+QVector<QStringRef> splitPieces(const QString& block, Qt::SplitBehavior empties)
+{
+    return block.splitRef(QLatin1Char('*'), empties);
+}
+
+float listNumber(const QStringRef& item)
+{
+    bool isNumber = false;
+    const float value = item.toFloat(&isNumber);
+    return isNumber && std::isfinite(value) ? value : 0.0F;
+}
+
+QVector<float> parseNumbers(const QStringRef& list)
+{
+    QVector<float> values;
+    values.reserve(int(list.count(QLatin1Char(','))) + 1);
+    int start = 0;
+    while (true) {
+        const int end = list.indexOf(QLatin1Char(','), start);
+        values.append(listNumber(list.mid(start, end < 0 ? -1 : end - start)));
+        if (end < 0)
+            return values;
+        start = end + 1;
+    }
+}
+
+ValueLists parseValueLists(const QStringRef& piece, Lists wanted, Qt::SplitBehavior empties)
+{
+    ValueLists lists;
+    QVector<float>* const places[] = {
+        &lists.speed,       &lists.depth,    &lists.probeDepth, &lists.probeSpeed,
+        &lists.temperature, &lists.salinity, &lists.absorption,
+    };
+    const QVector<QStringRef> parts = piece.trimmed().split(QLatin1Char(';'), empties);
+    const int count = std::min(parts.size(), int(wanted));
+    for (int i = 0; i < count; ++i)
+        *places[i] = parseNumbers(parts[i]);
+    return lists;
+}
+
+ProfileForm parseProfileForm(const QVector<QStringRef>& pieces, int first)
+{
+    const PieceTexts piece(pieces, first);
+    ProfileForm form;
+    form.valueLists = piece.ref(0);
+    form.fileName = piece[1];
+    form.kind = piece[2];
+    form.version = piece[3];
+    form.identifier = piece[4];
+    form.time = piece[5];
+    form.latitude = piece[6];
+    form.longitude = piece[7];
+    form.radius = piece[8];
+    form.validFrom = piece[9];
+    form.validTo = piece[10];
+    form.source = piece[11];
+    form.history = piece[12];
+    form.statedSamples = piece[13];
+    form.comment = piece[14];
+    form.tolerance = piece[15];
+    return form;
+}
+
+AsvpSaveForm parseAsvpSaveForm(const QVector<QStringRef>& pieces)
+{
+    const PieceTexts piece(pieces, 0);
+    AsvpSaveForm form;
+    form.depthSpeedList = piece.ref(0);
+    form.fileName = piece[1];
+    form.kind = piece[2];
+    form.version = piece[3];
+    form.identifier = piece[4];
+    form.time = piece[5];
+    form.latitude = piece[6];
+    // Pieces 7 and 9 are hemisphere letters; the sign of the numbers tells the same.
+    form.longitude = piece[8];
+    form.radius = piece[10];
+    form.validFrom = piece[11];
+    form.validTo = piece[12];
+    form.source = piece[13];
+    form.history = piece[14];
+    return form;
+}
+
+} // namespace profile

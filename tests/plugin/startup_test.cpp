@@ -1,0 +1,135 @@
+#include "resources/resources.h"
+#include "tests/support/enginefixture.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QUdpSocket>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString settingsFile = QStringLiteral("tqrv/SVPEditor.ini");
+const QString extensionFile = QStringLiteral("qrvdata/svp_abscoeff/SVPExtension.txt");
+
+QByteArray defaultSettings()
+{
+    CDataFile store;
+    settings::fillDefaults(store);
+    return QByteArray::fromStdString(store.SaveText());
+}
+
+} // namespace
+
+TEST(Startup, AFreshStartLeavesSettingsAndExtensionProfile)
+{
+    const Engine engine(QStringLiteral("größe 測深"), false);
+    EXPECT_EQ(engine.folder.read(settingsFile), defaultSettings());
+    EXPECT_EQ(engine.folder.read(extensionFile), resources::extensionProfile());
+    EXPECT_TRUE(testlog::hasLine(QStringLiteral(
+        "CSVP_WebInterface - WARNING - could not find SVPExtension.txt using default")));
+    const QFile::Permissions permissions = QFile::permissions(engine.folder.path(extensionFile));
+    EXPECT_TRUE(permissions.testFlag(QFile::WriteOwner));
+    EXPECT_TRUE(permissions.testFlag(QFile::ReadOwner));
+    EXPECT_TRUE(permissions.testFlag(QFile::ReadOther));
+    EXPECT_FALSE(permissions.testFlag(QFile::WriteOther));
+}
+
+TEST(Startup, ExistingFilesStay)
+{
+    const DataFolder folder;
+    const QByteArray edited = "[iniVer]\nSVPEditorVersion=9\n[profileHandl]\ndSVMin=1390\n";
+    folder.write(settingsFile, edited);
+    folder.write(extensionFile, "mine");
+    {
+        const CSVP_WebInterface plugin;
+    }
+    EXPECT_EQ(folder.read(settingsFile), edited);
+    EXPECT_EQ(folder.read(extensionFile), "mine");
+    EXPECT_FALSE(testlog::hasLine(QStringLiteral(
+        "CSVP_WebInterface - WARNING - could not find SVPExtension.txt using default")));
+}
+
+TEST(Startup, AnOutdatedSettingsFileIsWrittenAnew)
+{
+    const DataFolder folder;
+    for (const char* text : {"[iniVer]\nSVPEditorVersion=7\n[x]\ny=z\n", "[x]\ny=z\n", ""}) {
+        folder.write(settingsFile, text);
+        const CSVP_WebInterface plugin;
+        EXPECT_EQ(folder.read(settingsFile), defaultSettings()) << text;
+    }
+}
+
+TEST(Startup, FoldersInThePlaceOfFilesAreNoHindrance)
+{
+    const DataFolder folder;
+    QDir().mkpath(folder.path(settingsFile));
+    QDir().mkpath(folder.path(extensionFile));
+    CSVP_WebInterface plugin;
+    EXPECT_EQ(plugin.GetReportErr("2600"), "No samples. Profile not accepted.");
+    EXPECT_TRUE(QFileInfo(folder.path(settingsFile)).isDir());
+}
+
+TEST(Startup, AFileInThePlaceOfTheDataRootIsNoHindrance)
+{
+    const DataFolder folder(QStringLiteral("data"), false);
+    writeBytes(folder.programData() + QStringLiteral("/Ardentide"), "a file");
+    CSVP_WebInterface plugin;
+    EXPECT_EQ(plugin.GetReportErr("2600"), "No samples. Profile not accepted.");
+    EXPECT_EQ(bytesOf(folder.programData() + QStringLiteral("/Ardentide")), "a file");
+    EXPECT_TRUE(testlog::traces().contains(
+        QStringLiteral("<error> [CDataFile::Save] Unable to save file.\n")));
+}
+
+TEST(Startup, WithoutADataRootNothingIsWrittenAndTheEngineServes)
+{
+    for (const bool isSet : {true, false}) {
+        DataFolder folder(QStringLiteral("data"), false);
+        const QString workingFolder = QDir::currentPath();
+        QDir::setCurrent(folder.programData());
+        if (isSet)
+            qputenv("ProgramData", "");
+        else
+            qunsetenv("ProgramData");
+        CSVP_WebInterface plugin;
+        QSignalSpy packets(&plugin, &CSVP_WebInterface::sendWSPacket);
+        EXPECT_EQ(plugin.GetReportErr("2600"), "No samples. Profile not accepted.");
+        plugin.requestWebSocket(1, QStringLiteral("SVP_WebInterface"),
+                                QStringLiteral("x,ACTION=SVP_WebInterface/SVPReadyConnected"));
+        EXPECT_EQ(packets.size(), 1);
+        EXPECT_TRUE(QDir(folder.programData()).isEmpty());
+        EXPECT_FALSE(QDir(QStringLiteral("/Ardentide")).exists());
+        QDir::setCurrent(workingFolder);
+    }
+}
+
+TEST(Startup, ATakenPortIsLoggedAndTheEngineServes)
+{
+    QUdpSocket other;
+    // Another process may hold the port already; then it is taken all the same.
+    other.bind(15060, QUdpSocket::DontShareAddress);
+    Engine engine;
+    EXPECT_TRUE(
+        testlog::hasLine(QStringLiteral("SVP Editor - WARNING - failed to bind udp port - 15060")));
+    EXPECT_EQ(outcome(engine.request(QStringLiteral("CloseSVP"))), QLatin1String("SUCCESS"));
+}
+
+TEST(Startup, TheInputSocketListensAndIsEmptied)
+{
+    Engine engine;
+    if (!testlog::hasLine(
+            QStringLiteral("SVP Editor - INFO - listening for input on udp port 15060")))
+        GTEST_SKIP() << "port 15060 is held by another process";
+    QUdpSocket sender;
+    for (int i = 0; i < 3; ++i)
+        sender.writeDatagram("junk", QHostAddress(QHostAddress::LocalHost), 15060);
+    const QString line =
+        QStringLiteral("SVP Editor - WARNING - datagrams are not served by this version");
+    QElapsedTimer timer;
+    timer.start();
+    while (testlog::lines().count(line) < 3 && timer.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(testlog::lines().count(line), 3);
+}
