@@ -12,16 +12,14 @@ char separatorOf(const QString& word)
 {
     struct Separator
     {
-        QLatin1String word;
+        const char* word;
         char character;
     };
     constexpr Separator separators[] = {
-        {QLatin1String("space"), ' '},     {QLatin1String("tab"), '\t'},
-        {QLatin1String("semicolon"), ';'}, {QLatin1String("colon"), ':'},
-        {QLatin1String("comma"), ','},
+        {"space", ' '}, {"tab", '\t'}, {"semicolon", ';'}, {"colon", ':'}, {"comma", ','},
     };
     for (const Separator& separator : separators) {
-        if (word.compare(separator.word, Qt::CaseInsensitive) == 0)
+        if (word.compare(QLatin1String(separator.word), Qt::CaseInsensitive) == 0)
             return separator.character;
     }
     return ' ';
