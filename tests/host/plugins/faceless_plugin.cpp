@@ -1,0 +1,1 @@
+#include "faceless_plugin.h"

@@ -1,0 +1,1 @@
+#include "stranger_plugin.h"
