@@ -1,0 +1,53 @@
+/// What is shown of a level, and how: used by the table, the hover text and the read-out.
+import { decimalsFor, formatValue } from "./format";
+import type { Profile } from "./profile";
+import type { ListKey } from "./protocol";
+
+export interface Column {
+  key: ListKey;
+  label: string;
+  unit: string;
+  /// Decimals that show every value of this column without loss.
+  decimals: number;
+}
+
+interface Candidate {
+  key: ListKey;
+  label: string;
+  unit: string;
+  /// Shown even when it has no values.
+  always?: true;
+  /// Left out when it says the same as this other column.
+  unlike?: ListKey;
+}
+
+const CANDIDATES: readonly Candidate[] = [
+  { key: "svp_Depth", label: "Depth", unit: "m", always: true },
+  { key: "svp_Speed", label: "Speed", unit: "m/s", always: true },
+  { key: "svp_Temp", label: "Temp.", unit: "°C" },
+  { key: "svp_Sal", label: "Salinity", unit: "PSU" },
+  // The unit of absorption is the source file's own, so none is claimed here.
+  { key: "svp_AbsCoef", label: "Absorption", unit: "" },
+  { key: "svp_Depth_CTD", label: "Probe depth", unit: "m", unlike: "svp_Depth" },
+  { key: "svp_Speed_CTD", label: "Probe speed", unit: "m/s", unlike: "svp_Speed" },
+];
+
+/// The columns that this profile has something to say in. A list of nothing but zeros is how a
+/// profile says that it has no such values, and a file without separate probe values repeats
+/// depth and speed.
+export function columnsOf(profile: Profile): Column[] {
+  const { lists } = profile;
+  return CANDIDATES.filter(({ key, always, unlike }) => {
+    if (always) return true;
+    const other = unlike ? lists[unlike] : undefined;
+    return lists[key].some(
+      (value, level) => value !== 0 && !Number.isNaN(value) && value !== other?.[level],
+    );
+  }).map(({ key, label, unit }) => ({ key, label, unit, decimals: decimalsFor(lists[key]) }));
+}
+
+/// One value of a level with its unit, "12.50 m".
+export function valueText(profile: Profile, column: Column, level: number): string {
+  const text = formatValue(profile.lists[column.key][level], column.decimals);
+  return column.unit ? `${text} ${column.unit}` : text;
+}

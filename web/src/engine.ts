@@ -1,0 +1,161 @@
+/// What the page asks of the engine and what comes back, with every reply sorted by whether this
+/// page asked for it.
+import { invalidLevels } from "./invalid";
+import type { Connection, ConnectionState } from "./connection";
+import { profileOf, sameFile, type Profile } from "./profile";
+import {
+  Action,
+  HOST,
+  SUCCESS,
+  openBody,
+  profileBody,
+  requestFrame,
+  type Packet,
+} from "./protocol";
+import { PendingRequests, type PendingRequest } from "./requests";
+
+/// An engine that has not answered for this long has not understood, or has stopped.
+const ANSWER_LIMIT_MS = 30_000;
+
+export interface Verdict {
+  lines: string[];
+  /// Indices of the invalid levels, ascending.
+  invalid: number[];
+}
+
+/// What the page is told. Only answers to its own requests arrive as `opened`, `openFailed`,
+/// `checked` and `checkFailed`.
+export interface EngineEvents {
+  opened(profile: Profile): void;
+  openFailed(name: string, reason: string): void;
+  checked(profile: Profile, verdict: Verdict): void;
+  checkFailed(name: string, reason: string): void;
+  /// Somebody else had a profile opened.
+  openedElsewhere(profile: Profile): void;
+  alerted(text: string): void;
+  /// The engine did not answer at all when the page reported to it.
+  silent(): void;
+  /// The host refused a frame of this page.
+  refused(reason: string): void;
+  /// What the page waits for has changed.
+  waiting(): void;
+}
+
+export class Engine {
+  private readonly pending = new PendingRequests<Profile | null>();
+
+  constructor(
+    private readonly connection: Connection,
+    private readonly events: EngineEvents,
+    private readonly now: () => number = Date.now,
+  ) {
+    connection.on(Action.open, (packet) => this.onOpen(packet));
+    connection.on(Action.check, (packet) => this.onCheck(packet));
+    connection.on(Action.ready, () => this.pending.succeeded(Action.ready, () => true));
+    connection.on(Action.alert, ({ alert, reason }) => events.alerted(alert ?? reason ?? ""));
+    connection.on(HOST, ({ reason }) => events.refused(reason ?? ""));
+    connection.onState((state) => this.onState(state));
+  }
+
+  /// Asks for a file of the profile folder. Its answer replaces that of any earlier request.
+  open(name: string): void {
+    const body = openBody(name);
+    if (body === null) {
+      this.pending.giveUp(Action.open);
+      this.events.openFailed(name, "The name holds a bracket, which cannot be sent. Rename the file.");
+    } else {
+      this.ask(Action.open, name, null, body);
+    }
+    this.events.waiting();
+  }
+
+  /// Has the engine check a profile.
+  check(profile: Profile): void {
+    this.ask(Action.check, profile.filename, profile, profileBody(profile));
+    this.events.waiting();
+  }
+
+  /// The profile on the page is another one now: a verdict on the earlier one is of no use.
+  forgetCheck(): void {
+    this.pending.giveUp(Action.check);
+    this.events.waiting();
+  }
+
+  /// Name of the file that the page waits for, or "".
+  get opening(): string {
+    return this.pending.waiting(Action.open)?.key ?? "";
+  }
+
+  get checking(): boolean {
+    return this.pending.waiting(Action.check) !== undefined;
+  }
+
+  /// Gives up on requests that stayed without an answer; to be called now and then.
+  expire(): void {
+    const late = this.pending.dropOlder(this.now(), ANSWER_LIMIT_MS);
+    this.fail(late, `No answer within ${ANSWER_LIMIT_MS / 1000} seconds.`);
+  }
+
+  private ask(action: Action, key: string, subject: Profile | null, body: string): void {
+    const sent = this.connection.send(requestFrame(action, body));
+    this.pending.begin(action, key, subject, sent, this.now());
+  }
+
+  private onState(state: ConnectionState): void {
+    if (state.kind === "open") {
+      this.pending.markSent(this.now());
+      this.ask(Action.ready, "", null, "");
+    } else if (state.kind === "lost") {
+      this.fail(this.pending.dropSent(), "The connection was lost before the answer came.");
+    }
+  }
+
+  private onOpen(packet: Packet): void {
+    const { events, pending } = this;
+    if (packet.result !== SUCCESS) {
+      const { standing, key } = pending.failed(Action.open);
+      if (standing === "mine") events.openFailed(key, packet.reason ?? "");
+    } else {
+      const profile = profileOf(packet);
+      const standing = pending.succeeded(Action.open, ({ key }) => sameFile(key, profile.filename));
+      if (standing === "mine") events.opened(profile);
+      else if (standing === "foreign") events.openedElsewhere(profile);
+    }
+    events.waiting();
+  }
+
+  private onCheck(packet: Packet): void {
+    const { events, pending } = this;
+    if (packet.result !== SUCCESS) {
+      const { standing, key } = pending.failed(Action.check);
+      if (standing === "mine") events.checkFailed(key, packet.reason ?? "");
+    } else {
+      let checked: { profile: Profile; invalid: number[] } | null = null;
+      // A verdict does not name its profile: it is for the oldest request whose levels it fits,
+      // or for another page.
+      const standing = pending.succeeded(Action.check, ({ subject: profile }) => {
+        const lists = profile?.lists;
+        const invalid =
+          lists && invalidLevels(lists.svp_Speed, lists.svp_Depth, packet.svpX, packet.svpY);
+        checked = profile && invalid ? { profile, invalid } : null;
+        return checked !== null;
+      });
+      if (standing === "mine" && checked) this.tellVerdict(checked, packet.tofix ?? "");
+    }
+    events.waiting();
+  }
+
+  private tellVerdict(of: { profile: Profile; invalid: number[] }, text: string): void {
+    const lines = text.split("\n").map((line) => line.trim()).filter(Boolean);
+    this.events.checked(of.profile, { lines, invalid: of.invalid });
+  }
+
+  private fail(requests: PendingRequest<Profile | null>[], reason: string): void {
+    for (const { action, key } of requests) {
+      if (action === Action.open) this.events.openFailed(key, reason);
+      else if (action === Action.check) this.events.checkFailed(key, reason);
+      else if (action === Action.ready && reason.startsWith("No answer")) this.events.silent();
+    }
+    if (requests.length > 0) this.events.waiting();
+  }
+}

@@ -1,0 +1,147 @@
+/// The table of levels. The only module that knows the table library.
+import { FormatModule, InteractionModule, SelectRowModule, Tabulator } from "tabulator-tables";
+import { make } from "./dom";
+import type { Column } from "./columns";
+import { formatValue } from "./format";
+import type { Profile } from "./profile";
+
+Tabulator.registerModule([FormatModule, InteractionModule, SelectRowModule]);
+
+/// A row of the table: values stay in the profile's lists and are formatted when they scroll in.
+interface Row {
+  index: number;
+}
+
+/// Rows that Page Up and Page Down move by.
+const PAGE = 15;
+
+export class LevelTable {
+  private table: Tabulator | null = null;
+  private built: Promise<void> = Promise.resolve();
+  private invalid: ReadonlySet<number> = new Set();
+  private selected = -1;
+  private count = 0;
+
+  constructor(
+    private readonly host: HTMLElement,
+    private readonly select: (level: number) => void,
+  ) {
+    host.addEventListener("keydown", (event) => this.move(event));
+  }
+
+  /// Shows the levels of a profile, none of them invalid or selected.
+  show(profile: Profile, columns: readonly Column[]): void {
+    this.table?.destroy();
+    this.invalid = new Set();
+    this.selected = -1;
+    this.count = profile.count;
+    // The library wants an element of its own; one that it has destroyed is not used again.
+    const element = make("div", "");
+    this.host.replaceChildren(element);
+    const rows: Row[] = Array.from({ length: profile.count }, (_, index) => ({ index }));
+    const table = new Tabulator(element, {
+      data: rows,
+      index: "index",
+      height: "100%",
+      layout: "fitColumns",
+      selectableRows: false,
+      rowFormatter: (row) => this.paint(row.getElement(), (row.getData() as Row).index),
+      columns: [
+        {
+          title: "No.",
+          field: "index",
+          hozAlign: "right",
+          headerHozAlign: "right",
+          width: 82,
+          formatter: (cell) => this.numberCell((cell.getData() as Row).index),
+        },
+        ...columns.map((column) => ({
+          title: column.unit ? `${column.label}<span class="unit">${column.unit}</span>` : column.label,
+          field: column.key,
+          hozAlign: "right" as const,
+          headerHozAlign: "right" as const,
+          minWidth: column.label.length > 8 ? 118 : 92,
+          formatter: (cell: { getData(): object }) =>
+            formatValue(
+              profile.lists[column.key][(cell.getData() as Row).index],
+              column.decimals,
+            ),
+        })),
+      ],
+    });
+    this.table = table;
+    this.built = new Promise((resolve) => table.on("tableBuilt", () => resolve()));
+    table.on("rowClick", (_event, row) => this.select((row.getData() as Row).index));
+    element.setAttribute("aria-label", "Levels");
+    element.setAttribute("aria-rowcount", String(profile.count + 1));
+  }
+
+  /// Marks these levels as invalid, and no others.
+  async markInvalid(levels: readonly number[]): Promise<void> {
+    this.invalid = new Set(levels);
+    const table = this.table;
+    await this.built;
+    if (table === this.table) table?.redraw(true);
+  }
+
+  /// Marks one level as selected and brings it into view; -1 selects none.
+  async markSelected(level: number): Promise<void> {
+    const table = this.table;
+    await this.built;
+    if (!table || table !== this.table) return;
+    const before = this.selected;
+    this.selected = level;
+    this.repaint(before);
+    if (level < 0) return;
+    this.repaint(level);
+    const row = table.getRow(level);
+    if (row) await table.scrollToRow(row, "nearest", false).catch(() => undefined);
+    this.repaint(level);
+  }
+
+  focus(): void {
+    this.host.querySelector<HTMLElement>(".tabulator-tableholder")?.focus();
+  }
+
+  private repaint(level: number): void {
+    const row = level < 0 ? false : this.table?.getRow(level);
+    if (row) this.paint(row.getElement(), level);
+  }
+
+  private paint(row: HTMLElement, level: number): void {
+    row.classList.toggle("invalid", this.invalid.has(level));
+    row.classList.toggle("selected", level === this.selected);
+    row.setAttribute("aria-selected", String(level === this.selected));
+    row.setAttribute("aria-rowindex", String(level + 2));
+    row.dataset["level"] = String(level + 1);
+  }
+
+  /// The level's number; an invalid one carries its mark and says so to a screen reader.
+  private numberCell(level: number): HTMLElement {
+    const cell = make("span", "level-number", String(level + 1));
+    if (this.invalid.has(level)) {
+      const mark = make("span", "invalid-mark", "✕");
+      mark.setAttribute("role", "img");
+      mark.setAttribute("aria-label", "invalid");
+      cell.prepend(mark);
+    }
+    return cell;
+  }
+
+  private move(event: KeyboardEvent): void {
+    if (this.count === 0 || event.ctrlKey || event.altKey || event.metaKey) return;
+    const level = this.selected;
+    const to = {
+      ArrowDown: level + 1,
+      ArrowUp: level - 1,
+      PageDown: level + PAGE,
+      PageUp: level - PAGE,
+      Home: 0,
+      End: this.count - 1,
+    }[event.key];
+    if (to === undefined) return;
+    event.preventDefault();
+    event.stopPropagation();
+    this.select(Math.min(Math.max(to, 0), this.count - 1));
+  }
+}

@@ -1,0 +1,143 @@
+/// The page: its parts made and joined.
+import { CastList, fetchCasts } from "./casts";
+import { CastView } from "./cast-view";
+import { Connection, type ConnectionState } from "./connection";
+import { byId } from "./dom";
+import { Engine } from "./engine";
+import { formatClock } from "./format";
+import { Messages } from "./messages";
+import { sameFile, sameProfile, type Profile } from "./profile";
+import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
+import { ThemeSwitch } from "./theme";
+
+const EXPIRE_EVERY_MS = 1000;
+
+const theme = new ThemeSwitch(byId<HTMLButtonElement>("theme"));
+const messages = new Messages(byId("messages"));
+const castView = new CastView();
+const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => engine.open(name));
+const connection = new Connection(new URL("ws", location.href).href.replace(/^http/, "ws"));
+const checkButton = byId<HTMLButtonElement>("check");
+
+const engine = new Engine(connection, {
+  opened: show,
+  openFailed: (name, reason) =>
+    messages.add({ kind: "failure", text: `${name} could not be opened. ${reason}` }),
+  checked: (profile, verdict) => {
+    if (profile === castView.open) castView.showVerdict(verdict);
+  },
+  checkFailed: (name, reason) =>
+    messages.add({ kind: "failure", text: `${name} could not be checked. ${reason}` }),
+  openedElsewhere: offer,
+  alerted: (text) => messages.add({ kind: "alert", text: text || "Alert without a text" }),
+  silent: () => messages.add({ kind: "failure", text: "The engine does not answer." }),
+  refused: (reason) =>
+    messages.add({ kind: "failure", text: `The host refused a request. ${reason}` }),
+  waiting: showWaiting,
+});
+
+function show(profile: Profile): void {
+  engine.forgetCheck();
+  castView.show(profile);
+  castList.mark(profile.filename);
+  document.body.classList.add("has-cast");
+}
+
+/// A profile that another page, or the survey system, had opened: offered, never forced over the
+/// cast that this user is looking at.
+function offer(profile: Profile): void {
+  if (castView.open && sameProfile(castView.open, profile)) return;
+  const changed = castView.open !== null && sameFile(castView.open.filename, profile.filename);
+  messages.add({
+    kind: "notice",
+    key: `elsewhere:${profile.filename}`,
+    text: changed
+      ? `${profile.filename} was opened elsewhere and has changed since.`
+      : `${profile.filename} was opened elsewhere.`,
+    action: { label: "Open it", run: () => show(profile) },
+  });
+}
+
+function showWaiting(): void {
+  const { opening, checking } = engine;
+  document.body.classList.toggle("waiting", opening !== "" || checking);
+  byId("plot").setAttribute("aria-busy", String(opening !== ""));
+  checkButton.disabled = checking || !castView.open || castView.open.count === 0;
+  checkButton.textContent = checking ? "Checking…" : "Check";
+  byId("opening").textContent = opening ? `Opening ${opening}…` : "";
+}
+
+function check(): void {
+  if (castView.open && !checkButton.disabled) engine.check(castView.open);
+}
+
+async function refresh(): Promise<void> {
+  try {
+    castList.show(await fetchCasts());
+  } catch (error) {
+    const reason = error instanceof Error ? error.message : String(error);
+    messages.add({ kind: "failure", key: "casts", text: `The casts could not be listed: ${reason}.` });
+  }
+}
+
+let lostAt: Date | null = null;
+let everOpen = false;
+
+function showConnection(state: ConnectionState): void {
+  const badge = byId("connection");
+  badge.dataset["state"] = state.kind === "connecting" && lostAt ? "lost" : state.kind;
+  if (state.kind === "open") {
+    badge.textContent = "Connected";
+    if (lostAt && everOpen) {
+      messages.add({
+        kind: "notice",
+        key: "connection",
+        text: `The connection was lost at ${formatClock(lostAt)} and is back.`,
+      });
+    } else if (lostAt) {
+      messages.dismiss("connection");
+    }
+    lostAt = null;
+    everOpen = true;
+    void refresh();
+  } else if (state.kind === "lost") {
+    badge.textContent = "Connection lost, trying again";
+    if (lostAt) return;
+    lostAt = new Date();
+    messages.add({
+      kind: "failure",
+      key: "connection",
+      text: everOpen
+        ? "The connection to the host was lost. The page keeps trying to get it back."
+        : "The host cannot be reached. The page keeps trying.",
+    });
+  } else if (!lostAt) {
+    badge.textContent = "Connecting";
+  }
+}
+
+const help = byId<HTMLDialogElement>("help");
+const shortcuts: Shortcut[] = [
+  { key: "L", text: "Go to the list of casts", run: () => castList.focus() },
+  { key: "P", text: "Go to the plot", run: () => castView.focusPlot() },
+  { key: "V", text: "Go to the table of levels", run: () => castView.focusTable() },
+  { key: "M", text: "Go to the messages", run: () => messages.focus() },
+  { key: "↑ ↓", text: "In the list: choose a cast, Enter opens it. In plot and table: select a level" },
+  { key: "C", text: "Check the open cast", run: check },
+  { key: "N", text: "Select the next invalid level", run: () => castView.selectNextInvalid() },
+  { key: "F", text: "Zoom to the valid levels", run: () => castView.fit() },
+  { key: "+ −", text: "In the plot: zoom in and out around the selected level" },
+  { key: "0", text: "Show all levels", run: () => castView.reset() },
+  { key: "R", text: "Read the list of casts again", run: () => void refresh() },
+  { key: "T", text: "Switch between dark and light", run: () => theme.toggle() },
+  { key: "?", text: "This help", run: () => help.showModal() },
+];
+
+checkButton.addEventListener("click", check);
+byId("refresh").addEventListener("click", () => void refresh());
+byId("help-open").addEventListener("click", () => help.showModal());
+explainShortcuts(byId("help-keys"), shortcuts);
+listenForShortcuts(shortcuts, help);
+connection.onState(showConnection);
+setInterval(() => engine.expire(), EXPIRE_EVERY_MS);
+connection.start();

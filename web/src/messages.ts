@@ -1,0 +1,96 @@
+/// Messages to the user. Each stays in its list until the user dismisses it.
+import { button, make } from "./dom";
+import { formatClock } from "./format";
+
+export type MessageKind = "failure" | "alert" | "notice";
+
+export interface Message {
+  kind: MessageKind;
+  text: string;
+  /// Messages of the same key are one: the later takes the earlier's place and is counted.
+  /// Without a key, only messages of the same kind and text are the same.
+  key?: string;
+  /// Offered as a button. The message is dismissed when it is pressed.
+  action?: { label: string; run: () => void };
+}
+
+interface Entry {
+  item: HTMLLIElement;
+  count: number;
+}
+
+const KIND_LABEL: Record<MessageKind, string> = {
+  failure: "Failure",
+  alert: "Alert",
+  notice: "Notice",
+};
+
+export class Messages {
+  private readonly entries = new Map<string, Entry>();
+  private readonly list = make("ul", "message-list");
+  private readonly dismissAll = button("quiet", "Dismiss all", () => this.clear());
+
+  constructor(private readonly region: HTMLElement) {
+    region.append(this.list, this.dismissAll);
+    this.update();
+  }
+
+  /// Shows a message as the first of the list.
+  add(message: Message): void {
+    const key = message.key ?? `${message.kind}:${message.text}`;
+    const earlier = this.entries.get(key);
+    const count = (earlier?.count ?? 0) + 1;
+    earlier?.item.remove();
+    const item = this.draw(key, message, count);
+    this.entries.set(key, { item, count });
+    this.list.prepend(item);
+    this.update();
+  }
+
+  dismiss(key: string): void {
+    this.entries.get(key)?.item.remove();
+    this.entries.delete(key);
+    this.update();
+  }
+
+  /// Puts the keyboard on the first message's dismiss button, if there is one.
+  focus(): void {
+    this.list.querySelector<HTMLButtonElement>(".message-dismiss")?.focus();
+  }
+
+  private clear(): void {
+    for (const key of [...this.entries.keys()]) this.dismiss(key);
+  }
+
+  private draw(key: string, message: Message, count: number): HTMLLIElement {
+    const item = make("li", `message message-${message.kind}`);
+    // Read out at once when something went wrong, and in its turn otherwise.
+    item.setAttribute("role", message.kind === "notice" ? "status" : "alert");
+    item.append(
+      make("span", "message-kind", KIND_LABEL[message.kind]),
+      make("span", "message-text", message.text),
+    );
+    if (count > 1) item.append(make("span", "message-count", `${count} times`));
+    item.append(make("time", "message-time", formatClock(new Date())));
+    const { action } = message;
+    if (action) {
+      const act = button("", action.label, () => {
+        this.dismiss(key);
+        action.run();
+      });
+      item.append(act);
+    }
+    const dismiss = button("quiet message-dismiss", "Dismiss", () => {
+      this.dismiss(key);
+      this.focus();
+    });
+    dismiss.setAttribute("aria-label", `Dismiss: ${message.text}`);
+    item.append(dismiss);
+    return item;
+  }
+
+  private update(): void {
+    this.region.hidden = this.entries.size === 0;
+    this.dismissAll.hidden = this.entries.size < 2;
+  }
+}

@@ -1,0 +1,60 @@
+/// A profile as the page holds it: the lists of an Open reply, made safe to index.
+import { HEADER_KEYS, LIST_KEYS, type Header, type ListKey, type Packet } from "./protocol";
+
+export interface Profile {
+  filename: string;
+  header: Header;
+  /// All lists have the same length; NaN stands where the reply had no number.
+  lists: Record<ListKey, readonly number[]>;
+  /// Number of levels.
+  count: number;
+}
+
+/// The profile that an Open reply carries. Levels are counted by the longer of the two lists that
+/// every profile has, depth and speed, so that none is lost when one of them is short.
+export function profileOf(packet: Packet): Profile {
+  const count = Math.max(lengthOf(packet.svp_Depth), lengthOf(packet.svp_Speed));
+  const lists = {} as Record<ListKey, readonly number[]>;
+  for (const key of LIST_KEYS) lists[key] = numbers(packet[key], count);
+
+  const header: Header = {};
+  for (const key of HEADER_KEYS) {
+    const value: unknown = packet[key];
+    if (typeof value === "string" || typeof value === "number") header[key] = value;
+  }
+  return { filename: packet.filename ?? "", header, lists, count };
+}
+
+/// Whether two profiles come from the same file and hold the same levels.
+export function sameProfile(a: Profile, b: Profile): boolean {
+  return (
+    sameFile(a.filename, b.filename) &&
+    a.count === b.count &&
+    LIST_KEYS.every((key) =>
+      a.lists[key].every((value, i) => Object.is(value, b.lists[key][i])),
+    )
+  );
+}
+
+/// Whether two names mean the same file of the profile folder; a path before a name is ignored.
+export function sameFile(a: string, b: string): boolean {
+  return baseName(a) === baseName(b);
+}
+
+function baseName(path: string): string {
+  return path.slice(Math.max(path.lastIndexOf("/"), path.lastIndexOf("\\")) + 1);
+}
+
+function lengthOf(list: unknown): number {
+  return Array.isArray(list) ? list.length : 0;
+}
+
+function numbers(list: unknown, count: number): number[] {
+  const values = new Array<number>(count).fill(NaN);
+  if (!Array.isArray(list)) return values;
+  for (let i = 0; i < Math.min(count, list.length); ++i) {
+    const value: unknown = list[i];
+    if (typeof value === "number" && Number.isFinite(value)) values[i] = value;
+  }
+  return values;
+}

@@ -1,0 +1,94 @@
+/// Requests of this page that wait for an answer.
+///
+/// Every open page receives every packet, those for other pages too. A page must therefore know
+/// what it asked for itself; this is its memory of that.
+import type { Action } from "./protocol";
+
+/// What a reply is to this page: the answer it waits for, the answer to a request that it has
+/// given up since, or an answer to somebody else.
+export type Standing = "mine" | "stale" | "foreign";
+
+/// `Subject` is what a request was about, where its key alone does not say it.
+export interface PendingRequest<Subject> {
+  action: Action;
+  /// What tells this request from others of the same action; for Open, the file's name.
+  key: string;
+  subject: Subject;
+  /// False once the user has asked for something else instead.
+  wanted: boolean;
+  /// True after a failure was taken for the answer to this request.
+  failed: boolean;
+  /// True once it left for the host; a request made without a connection waits for the next.
+  sent: boolean;
+  /// Milliseconds, by the clock of the caller.
+  since: number;
+}
+
+export class PendingRequests<Subject> {
+  private readonly requests: PendingRequest<Subject>[] = [];
+
+  /// Notes a new request. Earlier ones of the same action are no longer wanted: the page shows
+  /// one cast, and the last one asked for is the one that the user is waiting for.
+  begin(action: Action, key: string, subject: Subject, sent: boolean, now: number): void {
+    this.giveUp(action);
+    this.requests.push({ action, key, subject, wanted: true, failed: false, sent, since: now });
+  }
+
+  /// Answers to earlier requests for `action` will not be shown any more.
+  giveUp(action: Action): void {
+    for (const request of this.requests) {
+      if (request.action === action) request.wanted = false;
+    }
+  }
+
+  /// Whether an answer that would be shown is still to come.
+  waiting(action: Action): PendingRequest<Subject> | undefined {
+    return this.requests.find((r) => r.action === action && r.wanted && !r.failed);
+  }
+
+  /// Takes the oldest request that a successful answer fits off the list. Answers come in the
+  /// order of the requests, so an answer that fits several is the answer to the oldest.
+  succeeded(action: Action, fits: (request: PendingRequest<Subject>) => boolean): Standing {
+    const index = this.requests.findIndex((request) => request.action === action && fits(request));
+    if (index < 0) return "foreign";
+    const [request] = this.requests.splice(index, 1);
+    return request?.wanted ? "mine" : "stale";
+  }
+
+  /// Takes a failure. It does not say what failed, so it goes to the oldest request that has no
+  /// answer yet. If it was another page's after all, the success still to come finds the request
+  /// here and is shown.
+  failed(action: Action): { standing: Standing; key: string } {
+    const request = this.requests.find((r) => r.action === action && !r.failed);
+    if (!request) return { standing: "foreign", key: "" };
+    request.failed = true;
+    return { standing: request.wanted ? "mine" : "stale", key: request.key };
+  }
+
+  /// Everything that was queued has left, and its time begins to run.
+  markSent(now: number): void {
+    for (const request of this.requests) {
+      if (!request.sent) request.since = now;
+      request.sent = true;
+    }
+  }
+
+  /// The connection broke: requests that had left for the host get no answer any more. They are
+  /// removed; those that the user still waited for are returned.
+  dropSent(): PendingRequest<Subject>[] {
+    return this.remove((request) => request.sent);
+  }
+
+  /// Removes what is older than `limit` milliseconds and returns those that were still wanted.
+  /// Requests that wait for a connection do not age.
+  dropOlder(now: number, limit: number): PendingRequest<Subject>[] {
+    return this.remove((request) => request.sent && now - request.since > limit);
+  }
+
+  private remove(which: (request: PendingRequest<Subject>) => boolean): PendingRequest<Subject>[] {
+    const removed = this.requests.filter(which);
+    const kept = this.requests.filter((request) => !which(request));
+    this.requests.splice(0, this.requests.length, ...kept);
+    return removed.filter((request) => request.wanted && !request.failed);
+  }
+}

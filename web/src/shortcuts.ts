@@ -1,0 +1,29 @@
+/// Keys that work anywhere on the page. One table serves both the keys and the help.
+import { make } from "./dom";
+
+export interface Shortcut {
+  key: string;
+  text: string;
+  /// Absent for keys that a part of the page handles itself, and that are only explained here.
+  run?: () => void;
+}
+
+export function listenForShortcuts(shortcuts: readonly Shortcut[], dialog: HTMLDialogElement): void {
+  document.addEventListener("keydown", (event) => {
+    if (event.defaultPrevented || event.ctrlKey || event.altKey || event.metaKey) return;
+    if (dialog.open) return;
+    const pressed = event.key.toLowerCase();
+    const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase() === pressed);
+    if (!shortcut?.run) return;
+    event.preventDefault();
+    shortcut.run();
+  });
+}
+
+export function explainShortcuts(list: HTMLElement, shortcuts: readonly Shortcut[]): void {
+  for (const { key, text } of shortcuts) {
+    const keys = make("dt");
+    key.split(" ").forEach((each) => keys.append(make("kbd", "", each)));
+    list.append(keys, make("dd", "", text));
+  }
+}

@@ -1,0 +1,136 @@
+/// What every browser test stands on: a host, a browser, and pages that are watched for trouble.
+import assert from "node:assert/strict";
+import { after, afterEach, before } from "node:test";
+import { chromium, type Browser, type BrowserContext, type Page } from "playwright-core";
+import { Host, type FileLevel } from "./host";
+
+const CHROMIUM = process.env["SVP_CHROMIUM"] ?? "/usr/bin/chromium";
+
+/// How long a page may take to show what it was asked for.
+const PATIENCE_MS = 10_000;
+
+const FLAGS = [
+  "--disable-gpu",
+  "--disable-quic",
+  "--no-first-run",
+  "--disable-background-networking",
+  "--disable-component-update",
+  "--disable-sync",
+];
+
+export interface PageOptions {
+  width?: number;
+  height?: number;
+  /// Share storage with an earlier page by giving its context.
+  context?: BrowserContext;
+}
+
+/// One host and one browser for all tests of a file.
+export class Stage {
+  private browser: Browser | null = null;
+  private theHost: Host | null = null;
+  private troubles: string[] = [];
+  private expected: RegExp[] = [];
+
+  /// To be made inside the suite that uses it. `prepare` puts casts into the profile folder.
+  constructor(prepare: (host: Host) => Promise<void>) {
+    before(async () => {
+      this.theHost = await Host.start();
+      await prepare(this.theHost);
+      const root = process.getuid?.() === 0;
+      this.browser = await chromium.launch({
+        executablePath: CHROMIUM,
+        args: root ? [...FLAGS, "--no-sandbox"] : FLAGS,
+      });
+    });
+    afterEach(() => this.assertNoTrouble());
+    after(async () => {
+      await this.browser?.close();
+      await this.theHost?.remove();
+    });
+  }
+
+  get host(): Host {
+    assert.ok(this.theHost);
+    return this.theHost;
+  }
+
+  /// A new page, opened and connected.
+  async page({ width = 1280, height = 800, context }: PageOptions = {}): Promise<Page> {
+    assert.ok(this.browser);
+    const viewport = { width, height };
+    const page = await (context ?? (await this.browser.newContext({ viewport }))).newPage();
+    await page.setViewportSize(viewport);
+    page.setDefaultTimeout(PATIENCE_MS);
+    this.watch(page);
+    await page.goto(this.host.url);
+    await connected(page);
+    await page.locator(".cast").first().waitFor();
+    return page;
+  }
+
+  /// Trouble of this kind is what the test is about, and no fault.
+  expectTrouble(kind: RegExp): void {
+    this.expected.push(kind);
+  }
+
+  /// Fails when a page warned, threw, or turned to anything but its own host.
+  private assertNoTrouble(): void {
+    const faults = this.troubles.filter((text) => !this.expected.some((kind) => kind.test(text)));
+    this.troubles = [];
+    this.expected = [];
+    assert.deepEqual(faults, []);
+  }
+
+  private watch(page: Page): void {
+    const origin = new URL(this.host.url).host;
+    const fetched = (url: string) => {
+      if (new URL(url).host !== origin) this.troubles.push(`fetched ${url}`);
+    };
+    page.on("request", (request) => fetched(request.url()));
+    page.on("websocket", (socket) => fetched(socket.url()));
+    page.on("pageerror", (error) => this.troubles.push(`threw ${error.message}`));
+    page.on("console", (message) => {
+      if (["error", "warning"].includes(message.type())) {
+        this.troubles.push(`said ${message.text()} ${message.location().url}`);
+      }
+    });
+  }
+}
+
+export async function connected(page: Page): Promise<void> {
+  await page.locator("#connection[data-state=open]").waitFor();
+}
+
+/// Opens a cast by a click on its name and waits until it is shown.
+export async function openCast(page: Page, name: string): Promise<void> {
+  await page.getByRole("list", { name: "Casts" }).getByRole("button", { name }).click();
+  await shown(page, name);
+}
+
+/// Waits until a cast is the open one, drawn and listed.
+export async function shown(page: Page, name: string): Promise<void> {
+  await page.locator(`body[data-cast="${name}"]`).waitFor();
+  await page.locator(".profile-plot .trace path").waitFor({ state: "attached" });
+  await page.locator(".tabulator-row").first().waitFor();
+}
+
+/// Presses "Check" and waits for the verdict.
+export async function check(page: Page): Promise<void> {
+  await page.getByRole("button", { name: "Check", exact: true }).click();
+  await page.getByRole("heading", { name: /^Check of/ }).waitFor();
+}
+
+/// Numbers of the levels that the table shows as invalid.
+export async function invalidRows(page: Page): Promise<number[]> {
+  const rows = await page.locator(".tabulator-row.invalid").all();
+  return Promise.all(rows.map(async (row) => Number(await row.getAttribute("data-level"))));
+}
+
+/// Levels of a quiet sea: warm above a thermocline, then slowly faster with pressure.
+export function seaLevels(depths: readonly number[]): FileLevel[] {
+  return depths.map((depth) => {
+    const speed = 1482 + 34 * Math.exp(-depth / 70) + 0.0165 * depth;
+    return [depth.toFixed(2), speed.toFixed(2)];
+  });
+}

@@ -1,0 +1,153 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { Connection } from "../../src/connection";
+import { Engine } from "../../src/engine";
+import type { Profile } from "../../src/profile";
+import { FakeSurroundings } from "./support";
+
+/// A page's engine whose events are written down as short texts.
+function page() {
+  const around = new FakeSurroundings();
+  const connection = new Connection("ws://127.0.0.1/ws", around);
+  const told: string[] = [];
+  const profiles: Profile[] = [];
+  let now = 0;
+  const keep = (word: string) => (profile: Profile) => {
+    profiles.push(profile);
+    told.push(`${word} ${profile.filename}`);
+  };
+  const engine = new Engine(
+    connection,
+    {
+      opened: keep("opened"),
+      openFailed: (name, reason) => told.push(`openFailed ${name}: ${reason}`),
+      checked: (profile, { lines, invalid }) =>
+        told.push(`checked ${profile.filename} [${invalid.join()}] ${lines.join("|")}`),
+      checkFailed: (name, reason) => told.push(`checkFailed ${name}: ${reason}`),
+      openedElsewhere: keep("elsewhere"),
+      alerted: (text) => told.push(`alert ${text}`),
+      silent: () => told.push("silent"),
+      refused: (reason) => told.push(`refused ${reason}`),
+      waiting: () => undefined,
+    },
+    () => now,
+  );
+  connection.start();
+  around.socket.onopen?.();
+  const wait = (ms: number) => {
+    now += ms;
+    engine.expire();
+  };
+  return { around, engine, told, profiles, wait };
+}
+
+const cast = (filename: string, depths = [0, 10, 20], speeds = [1500, 1800, 1480]) => ({
+  whoami: "SVP_OpenSVP", result: "SUCCESS", filename, svp_Depth: depths, svp_Speed: speeds,
+});
+const verdict = (svpX: number[], svpY: number[], tofix = "v") => ({
+  whoami: "CheckProfile", result: "SUCCESS", svpX, svpY, tofix,
+});
+const last = <T>(list: T[]): T => list[list.length - 1] as T;
+
+test("the page reports to the engine on every connection", () => {
+  const { around } = page();
+  assert.equal(around.socket.bodies("SVPReadyConnected").length, 1);
+  around.socket.onclose?.();
+  around.pass();
+  around.socket.onopen?.();
+  assert.equal(around.socket.bodies("SVPReadyConnected").length, 1);
+});
+
+test("the answer to the page's own request is opened, another page's is offered", () => {
+  const { around, engine, told } = page();
+  engine.open("a.asvp");
+  assert.deepEqual(around.socket.bodies("SVP_OpenSVP"), ["[a.asvp,asvp]"]);
+  around.socket.receive(cast("b.asvp"));
+  around.socket.receive(cast("a.asvp"));
+  assert.deepEqual(told, ["elsewhere b.asvp", "opened a.asvp"]);
+});
+
+test("a failure of another page's request is not this page's business", () => {
+  const { around, told } = page();
+  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "no" });
+  around.socket.receive({ whoami: "CheckProfile", result: "FAILURE", reason: "no" });
+  around.socket.receive(verdict([], []));
+  assert.deepEqual(told, []);
+});
+
+test("failures name the file; alerts and refusals are passed on", () => {
+  const { around, engine, told } = page();
+  engine.open("a.asvp");
+  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "Gone." });
+  around.socket.receive({ whoami: "SVPAlert", result: "FAILURE", alert: "Look out" });
+  around.socket.receive({ whoami: "host", result: "FAILURE", reason: "bad frame" });
+  assert.deepEqual(told, ["openFailed a.asvp: Gone.", "alert Look out", "refused bad frame"]);
+});
+
+test("a name with brackets is refused here, and nothing is sent", () => {
+  const { around, engine, told } = page();
+  engine.open("a[1].asvp");
+  assert.deepEqual(around.socket.bodies("SVP_OpenSVP"), []);
+  assert.match(last(told), /^openFailed a\[1\]\.asvp: /);
+});
+
+test("a verdict is matched to the levels and split into its lines", () => {
+  const { around, engine, told, profiles } = page();
+  engine.open("a.asvp");
+  around.socket.receive(cast("a.asvp"));
+  engine.check(last(profiles));
+  around.socket.receive(verdict([1800], [10], "Invalid entries are marked.\nMore.\n"));
+  assert.equal(last(told), "checked a.asvp [1] Invalid entries are marked.|More.");
+  assert.equal(engine.checking, false);
+});
+
+test("a verdict that does not fit the levels belongs to another page", () => {
+  const { around, engine, told, profiles } = page();
+  engine.open("a.asvp");
+  around.socket.receive(cast("a.asvp"));
+  engine.check(last(profiles));
+  around.socket.receive(verdict([1333], [77]));
+  assert.equal(engine.checking, true);
+  around.socket.receive(verdict([1800], [10]));
+  assert.equal(last(told), "checked a.asvp [1] v");
+});
+
+test("a late verdict on the cast before is not taken for one on the cast now open", () => {
+  const { around, engine, told, profiles } = page();
+  engine.open("a.asvp");
+  around.socket.receive(cast("a.asvp"));
+  engine.check(last(profiles));
+  engine.open("b.asvp");
+  around.socket.receive(cast("b.asvp"));
+  engine.forgetCheck();
+  engine.check(last(profiles));
+  around.socket.receive(verdict([], [], "for a"));
+  assert.equal(last(told), "opened b.asvp", "the first verdict was for the first request");
+  around.socket.receive(verdict([1800], [10], "for b"));
+  assert.equal(last(told), "checked b.asvp [1] for b");
+});
+
+test("a request without an answer ends by time or with the connection", () => {
+  const { around, engine, told, wait } = page();
+  around.socket.receive({ whoami: "SVPReadyConnected" });
+  engine.open("a.asvp");
+  wait(29_000);
+  assert.deepEqual(told, []);
+  wait(2_000);
+  assert.deepEqual(told, ["openFailed a.asvp: No answer within 30 seconds."]);
+  engine.open("b.asvp");
+  around.socket.onclose?.();
+  assert.match(last(told), /^openFailed b\.asvp: The connection was lost/);
+  engine.open("c.asvp");
+  around.pass();
+  around.socket.onopen?.();
+  assert.deepEqual(around.socket.bodies("SVP_OpenSVP"), ["[c.asvp,asvp]"]);
+  around.socket.receive(cast("c.asvp"));
+  assert.equal(last(told), "opened c.asvp");
+});
+
+test("an engine that never answers is reported", () => {
+  const { told, wait } = page();
+  wait(31_000);
+  assert.deepEqual(told, ["silent"]);
+});

@@ -1,0 +1,81 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { Action } from "../../src/protocol";
+import { PendingRequests } from "../../src/requests";
+
+const open = (pending: PendingRequests<null>, name: string, sent = true, now = 0) =>
+  pending.begin(Action.open, name, null, sent, now);
+const opened = (pending: PendingRequests<null>, name: string) =>
+  pending.succeeded(Action.open, ({ key }) => key === name);
+
+test("an answer that nobody here asked for is foreign", () => {
+  const pending = new PendingRequests<null>();
+  assert.equal(opened(pending, "a"), "foreign");
+  assert.equal(pending.failed(Action.open).standing, "foreign");
+  open(pending, "b");
+  assert.equal(opened(pending, "a"), "foreign");
+  assert.equal(opened(pending, "b"), "mine");
+  assert.equal(opened(pending, "b"), "foreign", "an answer is taken once");
+});
+
+test("an answer to what the user has left for another cast is stale", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a");
+  open(pending, "b");
+  assert.equal(pending.waiting(Action.open)?.key, "b");
+  assert.equal(opened(pending, "a"), "stale");
+  assert.equal(opened(pending, "b"), "mine");
+});
+
+test("a cast asked for twice is shown by its second answer", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a");
+  open(pending, "a");
+  assert.equal(opened(pending, "a"), "stale");
+  assert.equal(opened(pending, "a"), "mine");
+});
+
+test("a failure goes to the oldest request, and a success after it still counts", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a");
+  assert.deepEqual(pending.failed(Action.open), { standing: "mine", key: "a" });
+  assert.equal(pending.waiting(Action.open), undefined);
+  assert.equal(pending.failed(Action.open).standing, "foreign");
+  assert.equal(opened(pending, "a"), "mine");
+});
+
+test("actions do not answer for each other", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a");
+  assert.equal(pending.failed(Action.check).standing, "foreign");
+  pending.giveUp(Action.check);
+  assert.equal(opened(pending, "a"), "mine");
+});
+
+test("a lost connection ends what had been sent, and only that", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "sent");
+  pending.begin(Action.check, "queued", null, false, 0);
+  assert.deepEqual(pending.dropSent().map(({ key }) => key), ["sent"]);
+  assert.equal(pending.waiting(Action.check)?.key, "queued");
+  pending.markSent(0);
+  assert.deepEqual(pending.dropSent().map(({ key }) => key), ["queued"]);
+});
+
+test("nothing is said about the end of what was not wanted or has failed already", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "left");
+  open(pending, "failed");
+  pending.failed(Action.open);
+  pending.failed(Action.open);
+  assert.deepEqual(pending.dropSent(), []);
+});
+
+test("age is counted from when a request left", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a", false, 0);
+  assert.deepEqual(pending.dropOlder(1_000_000, 1000), []);
+  pending.markSent(1_000_000);
+  assert.deepEqual(pending.dropOlder(1_000_900, 1000), []);
+  assert.deepEqual(pending.dropOlder(1_001_001, 1000).map(({ key }) => key), ["a"]);
+});
