@@ -10,9 +10,9 @@
 /// else in the engine is written once.
 namespace platform {
 
-/// The path as this system writes it. Paths are put together with backslashes, as the data
-/// folders of the survey system are documented; where the separator is "/", every backslash
-/// becomes one. On Windows the path stays as it is.
+/// The path as this system writes it. Paths are put together with backslashes, since the survey
+/// system's folders are Windows folders; where the separator is "/", every backslash becomes one.
+/// On Windows the path stays as it is.
 QString nativePath(const QString& path);
 
 /// Value of the environment variable `name`; empty when it is unset.
@@ -29,7 +29,7 @@ QString dataRoot();
 QString defaultProfileFolder(const QString& windowsDefault);
 
 /// Opens `path` as `std::fopen` does, with names outside of the narrow character set too. Null
-/// when it cannot be opened or is a folder. The caller closes the stream.
+/// when it cannot be opened or is there but no file. The caller closes the stream.
 std::FILE* openStream(const QString& path, const char* mode);
 
 /// Writes one diagnostic text, as it stands, to the system's debug output: the debugger's
@@ -48,12 +48,32 @@ void setDebugSink(DebugSink sink);
 /// `error` (when given) if that fails; a folder of that name is a failure.
 bool replaceFile(const QString& path, const QByteArray& content, QString* error = nullptr);
 
+/// Outcome of `replaceFileKeeping`.
+enum class Replaced
+{
+    Whole,      ///< the file holds the content
+    NotOpened,  ///< no file could be made there
+    NotWritten, ///< the content could not be written as a whole, e.g. on a full disk
+};
+
+/// Gives the file `path` the further name `backup` in the same folder, so that it stays when
+/// `path` is replaced; where the file system knows no second names, moves it there. False, and
+/// nothing changed, when that fails or `backup` is taken.
+bool keepAs(const QString& path, const QString& backup);
+
+/// As `replaceFile`, but an older file of that name is kept as `backup`, a name that must not be
+/// taken (empty: it is not kept). The new content is on the disk before the older file is touched,
+/// and where the file system allows there is a file under the name at every moment. An older file
+/// that cannot be kept is replaced all the same.
+Replaced replaceFileKeeping(const QString& path, const QString& backup, const QByteArray& content,
+                            QString* error = nullptr);
+
 /// Makes `folder` with all missing folders above it. True when it is there afterwards.
 bool makeFolder(const QString& folder);
 
-/// Largest file that `readFile` takes. The largest cast known has a hundredth of it; what is
-/// beyond is no cast, and must not take the host's memory.
-constexpr qint64 maxFileSize = 256LL * 1024 * 1024;
+/// Largest file that `readFile` takes. A cast of a million levels fits; what is beyond is no
+/// cast, and its reply would take gigabytes of the host's memory.
+constexpr qint64 maxFileSize = 32LL * 1024 * 1024;
 
 /// Reads a regular file whole into `content`. False (and `content` empty) when there is no such
 /// file, it cannot be read, it is larger than `maxFileSize`, or it is something else than a file:

@@ -17,13 +17,31 @@ QString dataRoot()
 
 bool replaceFile(const QString& path, const QByteArray& content, QString* error)
 {
-    // An empty name would be taken relative to the working folder.
+    return replaceFileKeeping(path, QString(), content, error) == Replaced::Whole;
+}
+
+Replaced replaceFileKeeping(const QString& path, const QString& backup, const QByteArray& content,
+                            QString* error)
+{
     QSaveFile file(path);
-    const bool written = !path.isEmpty() && file.open(QIODevice::WriteOnly) &&
-                         file.write(content) == content.size() && file.commit();
-    if (!written && error != nullptr)
-        *error = file.errorString();
-    return written;
+    const auto failure = [&file, error](Replaced outcome) {
+        if (error != nullptr)
+            *error = file.errorString();
+        return outcome;
+    };
+    // An empty name would be taken relative to the working folder.
+    if (path.isEmpty() || !file.open(QIODevice::WriteOnly))
+        return failure(Replaced::NotOpened);
+    if (file.write(content) != content.size() || !file.flush())
+        return failure(Replaced::NotWritten);
+    const bool isKept = !backup.isEmpty() && keepAs(path, backup);
+    if (file.commit())
+        return Replaced::Whole;
+    const Replaced outcome = failure(Replaced::NotOpened);
+    // Back to one file under its own name: rename fails where it still has that name.
+    if (isKept && !QFile::rename(backup, path))
+        QFile::remove(backup);
+    return outcome;
 }
 
 bool makeFolder(const QString& folder)

@@ -3,6 +3,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+#include <unistd.h>
+
 namespace platform {
 
 namespace {
@@ -32,9 +35,18 @@ QString defaultProfileFolder(const QString& windowsDefault)
 
 std::FILE* openStream(const QString& path, const char* mode)
 {
-    if (path.contains(QChar(0)) || QFileInfo(path).isDir())
+    const QFileInfo file(path);
+    // Opening a pipe could wait for ever.
+    if (path.contains(QChar(0)) || (file.exists() && !file.isFile()))
         return nullptr;
     return std::fopen(QFile::encodeName(path).constData(), mode);
+}
+
+bool keepAs(const QString& path, const QString& backup)
+{
+    if (::link(QFile::encodeName(path).constData(), QFile::encodeName(backup).constData()) == 0)
+        return true;
+    return errno != EEXIST && QFile::rename(path, backup);
 }
 
 void debugOutput(const std::string& text)

@@ -1,5 +1,7 @@
 #include "platform/platform.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <qt_windows.h>
 
@@ -26,10 +28,22 @@ QString defaultProfileFolder(const QString& windowsDefault)
 
 std::FILE* openStream(const QString& path, const char* mode)
 {
-    if (path.contains(QChar(0)) || QFileInfo(path).isDir())
+    const QFileInfo file(path);
+    // Opening a pipe could wait for ever.
+    if (path.contains(QChar(0)) || (file.exists() && !file.isFile()))
         return nullptr;
     return _wfopen(reinterpret_cast<const wchar_t*>(path.utf16()),
                    QString::fromLatin1(mode).toStdWString().c_str());
+}
+
+bool keepAs(const QString& path, const QString& backup)
+{
+    const auto wide = [](const QString& name) {
+        return QDir::toNativeSeparators(name).toStdWString();
+    };
+    if (CreateHardLinkW(wide(backup).c_str(), wide(path).c_str(), nullptr))
+        return true;
+    return QFile::rename(path, backup); // refuses a name that is taken
 }
 
 void debugOutput(const std::string& text)

@@ -61,8 +61,8 @@ void CSVP_WebInterface::loadSettings()
         // Without a data root there is no file to keep the settings in.
         GenerateDefaultINI({});
     } else {
-        // The separator before the file name is doubled in the documented path; systems take
-        // the two for one.
+        // Other programs of the survey system hand this path on with its doubled separator;
+        // systems take the two for one.
         const QString path = platform::nativePath(root + QStringLiteral("tqrv\\\\SVPEditor.ini"));
         const std::string filePath = path.toStdString();
         bool isMissing = !QFileInfo::exists(path);
@@ -130,26 +130,27 @@ const std::vector<CSVP_WebInterface::Action>& CSVP_WebInterface::actionTable()
 {
     // Searched in this order; the first match wins.
     static const std::vector<Action> table = {
-        {action::open, &CSVP_WebInterface::handleOpenRequest},
-        {action::save, &CSVP_WebInterface::handleSave},
-        {action::saveAs, &CSVP_WebInterface::handleSaveAs},
-        {action::send, &CSVP_WebInterface::handleSendSVPtoQRV},
-        {action::close, &CSVP_WebInterface::handleCloseSVP},
-        {action::fix, &CSVP_WebInterface::handleFixProfile},
-        {action::extendWithFile, &CSVP_WebInterface::handleExtendWithFile},
-        {action::extendDefault, &CSVP_WebInterface::handleExtendDefault},
-        {action::extendTempSal, &CSVP_WebInterface::handleExtendTempSal},
-        {action::thin, &CSVP_WebInterface::handleThin},
-        {action::receiver, &CSVP_WebInterface::handleRVT300},
-        {action::distribute, &CSVP_WebInterface::handleDistribute},
-        {action::rayPath, &CSVP_WebInterface::handleShowRaypath},
-        {action::saveFilter, &CSVP_WebInterface::handleSaveFilter},
-        {action::allFilters, &CSVP_WebInterface::handleGetAllFilters},
-        {action::deleteFilter, &CSVP_WebInterface::handleDeleteFilter},
-        {action::check, &CSVP_WebInterface::handleCheckProfile},
-        {action::selectExtension, &CSVP_WebInterface::handleSelectExtentionFile},
-        {action::ready, &CSVP_WebInterface::handleReady},
-        {action::alert, &CSVP_WebInterface::handleDelayedAlert},
+        {action::open, action::open, &CSVP_WebInterface::handleOpenRequest},
+        {action::save, action::save, &CSVP_WebInterface::handleSave},
+        {action::saveAs, action::save, &CSVP_WebInterface::handleSaveAs},
+        {action::send, action::send, &CSVP_WebInterface::handleSendSVPtoQRV},
+        {action::close, action::close, &CSVP_WebInterface::handleCloseSVP},
+        {action::fix, action::fix, &CSVP_WebInterface::handleFixProfile},
+        {action::extendWithFile, action::extendWithFile, &CSVP_WebInterface::handleExtendWithFile},
+        {action::extendDefault, action::extendDefault, &CSVP_WebInterface::handleExtendDefault},
+        {action::extendTempSal, action::extendTempSal, &CSVP_WebInterface::handleExtendTempSal},
+        {action::thin, action::thin, &CSVP_WebInterface::handleThin},
+        {action::receiver, action::receiver, &CSVP_WebInterface::handleRVT300},
+        {action::distribute, action::distribute, &CSVP_WebInterface::handleDistribute},
+        {action::rayPath, action::rayPath, &CSVP_WebInterface::handleShowRaypath},
+        {action::saveFilter, action::saveFilter, &CSVP_WebInterface::handleSaveFilter},
+        {action::allFilters, action::allFilters, &CSVP_WebInterface::handleGetAllFilters},
+        {action::deleteFilter, action::deleteFilter, &CSVP_WebInterface::handleDeleteFilter},
+        {action::check, action::check, &CSVP_WebInterface::handleCheckProfile},
+        {action::selectExtension, action::selectExtension,
+         &CSVP_WebInterface::handleSelectExtentionFile},
+        {action::ready, action::ready, &CSVP_WebInterface::handleReady},
+        {action::alert, action::alert, &CSVP_WebInterface::handleDelayedAlert},
     };
     return table;
 }
@@ -190,11 +191,15 @@ void CSVP_WebInterface::dispatch(const QString& data)
     for (const Action& action : actionTable()) {
         if (name.compare(prefix + action.name, Qt::CaseInsensitive) == 0) {
             try {
-                (this->*action.handler)(body);
+                return (this->*action.handler)(body);
             } catch (const std::bad_alloc&) {
-                send(Reply(action.name).failure(QStringLiteral("Memory allocation error")));
+                send(Reply(action.whoami).failure(QStringLiteral("Memory allocation error")));
+            } catch (const std::exception& error) {
+                send(Reply(action.whoami)
+                         .failure(QStringLiteral("Internal error: ") +
+                                  QString::fromLocal8Bit(error.what())));
             }
-            return;
+            return handleAlert(pendingAlert);
         }
     }
 }

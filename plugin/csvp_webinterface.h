@@ -2,6 +2,7 @@
 
 #include "plugin/webinterface.h"
 #include "processing/svpmodel.h"
+#include "profile/decimalcounts.h"
 #include "settings/cdatafile.h"
 #include "settings/defaultsettings.h"
 #include "settings/reportformat.h"
@@ -10,6 +11,7 @@
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
+#include <QStringRef>
 #include <QVector>
 
 #include <string>
@@ -46,6 +48,15 @@ class CSVP_WebInterface : public WebInterface
     {
         return reportMessage(key, {settings::ReportArgument(arguments)...});
     }
+
+    /// Writes a finished file body to `path`, see `datagram::saveOtherFile`.
+    bool handleSaveOtherFiles(const QString& path, const QByteArray& content, bool keepBackup);
+
+    /// Limits of sound speed and temperature from the settings file.
+    const settings::ProfileLimits& limits() const { return profileLimits; }
+
+    /// Why the last open or write failed; empty after one that did not.
+    QString lastErrorText() const { return postErrorText; }
 
     /// Whether the profile in a send request may leave unchanged. `message` is set when the
     /// request has the wrong number of pieces, else left as it is.
@@ -85,6 +96,7 @@ class CSVP_WebInterface : public WebInterface
     struct Action
     {
         QLatin1String name;
+        QLatin1String whoami; // under which it answers
         Handler handler;
     };
     static const std::vector<Action>& actionTable();
@@ -97,6 +109,12 @@ class CSVP_WebInterface : public WebInterface
     void send(const QJsonObject& reply);
     void handleAlert(std::string& text);
     std::string reportMessage(const char* key, const std::vector<settings::ReportArgument>& values);
+
+    void sendToSurveySystem(const QByteArray& datagram);
+    void saveAsvp(const QVector<QStringRef>& pieces);
+    void refuseSave(const QString& reason);
+    void answerSaved(const QString& path);
+    void answerPairList(QLatin1String whoami, const QString& body, const QString& done);
 
     void handleOpenRequest(const QString& body);
     bool handleOpenSVP(const QString& body, const QByteArray& content);
@@ -125,10 +143,11 @@ class CSVP_WebInterface : public WebInterface
     QStringList webSocketNames;
     QStringList svpFilters;
     QString replyTarget;
-    QString postErrorText;    // why the last open failed, for the answer to an upload
+    QString postErrorText;    // why the last open or write failed
     std::string pendingAlert; // sent and emptied by handleAlert
     CDataFile settings;
     settings::ProfileLimits profileLimits;
+    profile::DecimalCounts decimals;
     std::string reportText; // last formatted report message
     processing::CSVPModel model;
     QUdpSocket* udpSocket = nullptr;

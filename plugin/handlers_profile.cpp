@@ -34,10 +34,12 @@ bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& con
         profile::openProfile(profile::openedProfileFolder(), name, svpFilters);
     postErrorText = opened.reason;
     const bool isOpen = opened.reason.isEmpty();
-    if (isOpen)
+    if (isOpen) {
+        decimals.raise(opened.decimals);
         send(Reply(action::open).with(opened.reply).success());
-    else
+    } else {
         send(Reply(action::open).failure(opened.reason));
+    }
     handleAlert(pendingAlert);
     return isOpen;
 }

@@ -20,24 +20,6 @@ QJsonObject unserved(QLatin1String whoami, const char* deed)
 
 } // namespace
 
-void CSVP_WebInterface::handleSave(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::save, "Saving a profile"));
-}
-
-void CSVP_WebInterface::handleSaveAs(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::save, "Saving a profile under a new name"));
-}
-
-void CSVP_WebInterface::handleSendSVPtoQRV(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::send, "Sending a profile to the survey system"));
-}
-
 void CSVP_WebInterface::handleFixProfile(const QString& body)
 {
     Q_UNUSED(body)
@@ -48,6 +30,7 @@ void CSVP_WebInterface::handleExtendWithFile(const QString& body)
 {
     Q_UNUSED(body)
     send(unserved(action::extendWithFile, "Extending a profile with a file"));
+    handleAlert(pendingAlert);
 }
 
 void CSVP_WebInterface::handleExtendDefault(const QString& body)
@@ -66,18 +49,7 @@ void CSVP_WebInterface::handleThin(const QString& body)
 {
     Q_UNUSED(body)
     send(unserved(action::thin, "Thinning a profile"));
-}
-
-void CSVP_WebInterface::handleRVT300(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::receiver, "Handing a profile to the RVT300 receiver"));
-}
-
-void CSVP_WebInterface::handleDistribute(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::distribute, "Distributing a profile"));
+    handleAlert(pendingAlert);
 }
 
 void CSVP_WebInterface::handleShowRaypath(const QString& body)

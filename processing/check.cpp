@@ -59,8 +59,11 @@ QVector<int> findUnsortedDepths(const raytrace::Layers& samples)
 
 bool isReadyToSend(const raytrace::Layers& samples)
 {
-    if (samples.empty() || endsShallow(samples))
-        return false;
+    return !endsShallow(samples) && isSoundToSurface(samples);
+}
+
+bool isSoundToSurface(const raytrace::Layers& samples)
+{
     const std::vector<std::int32_t> marks = validSampleMarks(samples);
     const bool allValid =
         std::all_of(marks.begin(), marks.end(), [](int mark) { return mark != 0; });
@@ -144,6 +147,15 @@ ProfileReport profileReport(const QVector<float>& depths, const QVector<float>& 
     return report;
 }
 
+// Lists of unequal length are the caller's to refuse; here a depth without a speed counts for the
+// reach of the profile alone.
+static bool passesAsPairs(const QVector<float>& depths, const QVector<float>& speeds)
+{
+    const raytrace::Layers samples = pairs(depths, speeds);
+    const bool reachesDown = !depths.isEmpty() && double(depths.last()) >= limits::fullOceanDepth;
+    return isSoundToSurface(samples) && (reachesDown || !endsShallow(samples));
+}
+
 SendCheck quickCheck(const QString& request)
 {
     SendCheck check;
@@ -162,11 +174,11 @@ SendCheck quickCheck(const QString& request)
     if (lists.speed.size() < 2)
         return check;
 
-    check.passes = isReadyToSend(pairs(lists.depth, lists.speed));
+    check.passes = passesAsPairs(lists.depth, lists.speed);
     if (!check.passes && pieces.size() == profile::shortSendPieces) {
         // Senders of the short form put the two lists in either order; only one of them can
         // make a valid profile.
-        check.passes = isReadyToSend(pairs(lists.speed, lists.depth));
+        check.passes = passesAsPairs(lists.speed, lists.depth);
         check.listsSwapped = check.passes;
     }
     return check;

@@ -37,6 +37,9 @@ QVector<int> findUnsortedDepths(const raytrace::Layers& samples);
 /// exactly 0 m, the last one at 11999 m or deeper.
 bool isReadyToSend(const raytrace::Layers& samples);
 
+/// Whether every sample is valid and one lies at exactly 0 m, however deep the last one lies.
+bool isSoundToSurface(const raytrace::Layers& samples);
+
 /// What the check found.
 struct CheckResult
 {
@@ -76,7 +79,8 @@ struct SendCheck
 };
 
 /// The send test on a request text, in the short form (7 pieces) or the full one (16 pieces).
-/// Lists of unequal length are judged by their complete pairs.
+/// Lists of unequal length are judged by their complete pairs; it is enough that the last depth
+/// reaches down, with a speed or without.
 SendCheck quickCheck(const QString& request);
 
 } // namespace processing

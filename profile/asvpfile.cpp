@@ -51,7 +51,7 @@ AsvpFile readAsvp(const QByteArray& raw, const tagDecodeFmt& format)
     lines.next(firstLine);
     file.header = parseAsvpHeader(decodedText(firstLine));
     if (!file.header.isEmpty())
-        file.record = decodeColumns(bytes, format);
+        file.record = decodeColumns(bytes, format, &file.decimals);
     return file;
 }
 
@@ -88,7 +88,7 @@ int writeSVPfile(const QVector<float>& depths, const QVector<float>& speeds,
     path = folder.pathOf(name);
     QString error = QStringLiteral("The file name leads out of the folder");
     if (!path.isEmpty()) {
-        folder.makeIfOwn();
+        folder.makeFolderOf(path);
         if (platform::replaceFile(path, text, &error))
             return WriteOk;
     }

@@ -28,8 +28,9 @@ QStringList parseAsvpHeader(const QString& line);
 /// What an `.asvp` file holds.
 struct AsvpFile
 {
-    QStringList header;    ///< twelve words; empty when line 1 is no header
-    QVector<float> record; ///< profile record, see `decodeColumns`
+    QStringList header;     ///< twelve words; empty when line 1 is no header
+    QVector<float> record;  ///< profile record, see `decodeColumns`
+    DecimalCounts decimals; ///< as the text shows them
 };
 
 /// Reads a whole file. `format` says where the columns are.

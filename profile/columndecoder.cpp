@@ -38,7 +38,25 @@ class Columns
             field.remove_prefix(1);
         const char* const end = field.data() + field.size();
         const auto parsed = std::from_chars(field.data(), end, value);
-        return parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(value);
+        // Too large for a number, or too small: Qt tells, with infinity or 0.
+        if (parsed.ec == std::errc::result_out_of_range)
+            value = QByteArray(field.data(), int(field.size())).toDouble();
+        else if (parsed.ec != std::errc())
+            return false;
+        return parsed.ptr == end && std::isfinite(value);
+    }
+
+    // Digits behind the point of the number in a column.
+    int decimals(int column) const
+    {
+        if (column < 0 || std::size_t(column) >= m_fields.size())
+            return 0;
+        const std::string_view field = m_fields[std::size_t(column)];
+        const std::size_t point = field.find('.');
+        if (point == std::string_view::npos)
+            return 0;
+        const std::size_t end = field.find_first_not_of("0123456789", point + 1);
+        return int(std::min(end, field.size()) - point - 1);
     }
 
   private:
@@ -106,7 +124,8 @@ bool LineSet::contains(qint64 line) const
     return next != m_ranges.begin() && line <= std::prev(next)->second;
 }
 
-QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format)
+QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format,
+                             DecimalCounts* decimals)
 {
     QVector<float> record;
     const LineSet skipped(format.skipLines);
@@ -134,6 +153,15 @@ QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format)
                                   further(format.temperatureColumn), further(format.salinityColumn),
                                   further(format.absorptionColumn)})
             record.append(value);
+        if (decimals != nullptr) {
+            DecimalCounts shown;
+            shown.depth = columns.decimals(format.depthColumn);
+            shown.speed = columns.decimals(format.speedColumn);
+            shown.temperature = columns.decimals(format.temperatureColumn);
+            shown.salinity = columns.decimals(format.salinityColumn);
+            shown.absorption = columns.decimals(format.absorptionColumn);
+            decimals->raise(shown);
+        }
     }
     return record;
 }

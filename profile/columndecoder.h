@@ -1,5 +1,7 @@
 #pragma once
 
+#include "profile/decimalcounts.h"
+
 #include <QString>
 #include <QVector>
 
@@ -46,6 +48,9 @@ constexpr int minRecordValues = 2 * recordSlots;
 /// other: sound speed, depth, depth as measured, speed as measured, temperature, salinity,
 /// absorption coefficient; 0 where a line has none. Skipped lines, lines with too few columns,
 /// and lines whose depth or speed is no finite number are passed over.
-QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format);
+///
+/// `decimals`, when given, is raised to the decimals that the samples' columns show in the text.
+QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format,
+                             DecimalCounts* decimals = nullptr);
 
 } // namespace profile

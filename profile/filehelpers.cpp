@@ -26,14 +26,20 @@ bool isUsable(const char* directory, const char* fileName)
 
 std::string fnFileNameConstr(const char* directory, const char* fileName)
 {
+    if (directory == nullptr || fileName == nullptr)
+        return {};
     std::string path(directory);
     if (path.size() >= maxDirectoryLength)
         throw std::out_of_range("fnFileNameConstr: directory too long");
     if (path.empty())
         return fileName;
+    while (path.size() > 1 && isSeparator(path.back()) && isSeparator(path[path.size() - 2]))
+        path.pop_back();
     if (!isSeparator(path.back()))
         path += '\\';
-    return path + (isSeparator(*fileName) ? fileName + 1 : fileName);
+    while (isSeparator(*fileName))
+        ++fileName;
+    return path + fileName;
 }
 
 std::FILE* fnFileOpenRead(const char* directory, const char* fileName)

@@ -14,8 +14,8 @@ constexpr std::size_t pathBufferSize = 600;
 
 /// Joins a directory and a file name with a backslash. A separator (backslash or slash) that
 /// stands at the seam already counts, so that there is exactly one. An empty directory gives the
-/// name alone. Throws `std::out_of_range` for a directory of `maxDirectoryLength` or more: callers
-/// test it before, as the functions below do.
+/// name alone, a null argument an empty path. Throws `std::out_of_range` for a directory of
+/// `maxDirectoryLength` or more: callers test it before, as the functions below do.
 std::string fnFileNameConstr(const char* directory, const char* fileName);
 
 /// Opens a file of a directory for reading raw bytes. Null when it cannot be opened; the caller

@@ -15,7 +15,7 @@ namespace {
 
 OpenedProfile refused(const QString& reason)
 {
-    return {{}, reason};
+    return {{}, reason, {}};
 }
 
 OpenedProfile openAsvp(const QByteArray& content, const tagDecodeFmt& format, const QString& name)
@@ -26,6 +26,7 @@ OpenedProfile openAsvp(const QByteArray& content, const tagDecodeFmt& format, co
     OpenedProfile opened;
     insertAsvpHeader(opened.reply, file.header);
     opened.reason = insertProfile(opened.reply, file.record, name);
+    opened.decimals = file.decimals;
     return opened;
 }
 

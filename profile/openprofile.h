@@ -1,5 +1,6 @@
 #pragma once
 
+#include "profile/decimalcounts.h"
 #include "profile/profilefolder.h"
 
 #include <QJsonObject>
@@ -17,7 +18,8 @@ QString requestedFileName(const QString& request);
 struct OpenedProfile
 {
     QJsonObject reply;
-    QString reason; ///< empty on success
+    QString reason;         ///< empty on success
+    DecimalCounts decimals; ///< as the file's own text shows them
 };
 
 /// Reads the profile file `name` of `folder`, by the first of the filter rows `filters` that fits

@@ -6,6 +6,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QFileInfo>
 
 namespace profile {
 
@@ -58,7 +59,7 @@ QString ProfileFolder::pathOf(const QString& name) const
     relative.replace(QLatin1Char('\\'), QLatin1Char('/'));
     const bool hasDrive = relative.size() > 1 && relative[1] == QLatin1Char(':');
     if (m_path.isEmpty() || relative.isEmpty() || relative.contains(QChar(0)) || hasDrive ||
-        relative.startsWith(QLatin1Char('/')))
+        relative.startsWith(QLatin1Char('/')) || relative.endsWith(QLatin1Char('/')))
         return {};
     const QString clean = QDir::cleanPath(relative);
     if (clean == QLatin1String("..") || clean.startsWith(QLatin1String("../")) ||
@@ -67,10 +68,10 @@ QString ProfileFolder::pathOf(const QString& name) const
     return m_path + QLatin1Char('/') + clean;
 }
 
-void ProfileFolder::makeIfOwn() const
+void ProfileFolder::makeFolderOf(const QString& path) const
 {
-    if (m_isOwn)
-        platform::makeFolder(m_path);
+    if (m_isOwn && !path.isEmpty())
+        platform::makeFolder(QFileInfo(path).path());
 }
 
 ProfileFolder openedProfileFolder()

@@ -17,12 +17,13 @@ class ProfileFolder
     const QString& path() const { return m_path; }
 
     /// Path of the file `name` in this folder. Sub-folders are fine; empty when there is no
-    /// folder or the name leads elsewhere: an absolute name, a drive, a NUL, or ".." that goes
-    /// above the folder. Backslashes count as separators.
+    /// folder or the name leads elsewhere: an absolute name, a drive, a NUL, a "/" at the end, or
+    /// ".." that goes above the folder. Backslashes count as separators.
     QString pathOf(const QString& name) const;
 
-    /// Makes the folder if it is the engine's own and missing.
-    void makeIfOwn() const;
+    /// Makes the folder of a file that is to be written, if it is missing and this folder lies
+    /// below the data root. `path` comes from `pathOf`.
+    void makeFolderOf(const QString& path) const;
 
   private:
     QString m_path;

@@ -51,6 +51,9 @@ constexpr QLatin1String alert = word("alert");
 constexpr QLatin1String fileName = word("filename");
 constexpr QLatin1String invalidSpeeds = word("svpX");
 constexpr QLatin1String invalidDepths = word("svpY");
+constexpr QLatin1String file = word("file");
+constexpr QLatin1String svpType = word("svptype");
+constexpr QLatin1String fullName = word("fullname");
 constexpr QLatin1String toFix = word("tofix");
 } // namespace reply
 

@@ -97,6 +97,17 @@ ProfileForm parseProfileForm(const QVector<QStringRef>& pieces, int first)
     return form;
 }
 
+SendForm parseSendForm(const QVector<QStringRef>& pieces)
+{
+    const PieceTexts piece(pieces, 0);
+    SendForm form;
+    form.profileIdentifier = piece[0];
+    form.profile = parseProfileForm(pieces, 1);
+    form.profile.fileName = piece[1];
+    form.profile.valueLists = piece.ref(2);
+    return form;
+}
+
 AsvpSaveForm parseAsvpSaveForm(const QVector<QStringRef>& pieces)
 {
     const PieceTexts piece(pieces, 0);

@@ -57,8 +57,8 @@ enum class Lists
 ValueLists parseValueLists(const QStringRef& piece, Lists wanted = Lists::All,
                            Qt::SplitBehavior empties = Qt::KeepEmptyParts);
 
-/// The profile form of the page, as Check, Save, Thin and Fix take it, and Send behind a content
-/// identifier. Texts as they stand in the request.
+/// The profile form of the page, as Check, Save, Thin and Fix take it. Texts as they stand in the
+/// request.
 struct ProfileForm
 {
     QStringRef valueLists; ///< for `parseValueLists`
@@ -82,6 +82,18 @@ struct ProfileForm
 /// Reads the form from `pieces`, beginning with the piece `first`. Pieces that are not there stay
 /// empty.
 ProfileForm parseProfileForm(const QVector<QStringRef>& pieces, int first = 0);
+
+/// The full form of a send request: the content identifier of the profile, then the file name and
+/// the value lists, which change places, then the profile form from its kind on. The kind is the
+/// content identifier of the datagram.
+struct SendForm
+{
+    QString profileIdentifier;
+    ProfileForm profile;
+};
+
+/// Reads the form from `pieces`. Pieces that are not there stay empty.
+SendForm parseSendForm(const QVector<QStringRef>& pieces);
 
 /// The form that saves an `.asvp` file. Texts as they stand in the request.
 struct AsvpSaveForm

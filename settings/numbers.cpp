@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -54,7 +55,11 @@ double leadingDouble(std::string_view text)
 
 std::string fixedText(double value, int decimals)
 {
-    return QByteArray::number(value, 'f', decimals).toStdString();
+    // The longest double has 309 digits before the point. Rounds as printf does.
+    char text[512];
+    const auto written = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed,
+                                       std::min(decimals, 100));
+    return {text, written.ptr};
 }
 
 float toFloat32(double value)

@@ -39,6 +39,22 @@ TEST(Platform, AFileIsReplacedWhole)
     EXPECT_FALSE(platform::replaceFile(QString(), "x", &error));
 }
 
+TEST(Platform, AFileIsKeptUnderAFurtherName)
+{
+    const DataFolder folder;
+    const QString path = folder.path(QStringLiteral("a"));
+    writeBytes(path, "old");
+    EXPECT_EQ(platform::replaceFileKeeping(path, path + QStringLiteral("_bck"), "new"),
+              platform::Replaced::Whole);
+    EXPECT_EQ(bytesOf(path), "new");
+    EXPECT_EQ(bytesOf(path + QStringLiteral("_bck")), "old");
+    // A name that is taken is never overwritten.
+    EXPECT_FALSE(platform::keepAs(path, path + QStringLiteral("_bck")));
+    EXPECT_EQ(bytesOf(path + QStringLiteral("_bck")), "old");
+    EXPECT_FALSE(platform::keepAs(folder.path(QStringLiteral("none")), path));
+    EXPECT_EQ(bytesOf(path), "new");
+}
+
 TEST(Platform, OnlyFilesAreRead)
 {
     const DataFolder folder;
@@ -73,6 +89,9 @@ TEST(Platform, StreamsOpenFilesOnly)
     EXPECT_EQ(std::fgetc(stream), 'x');
     std::fclose(stream);
     EXPECT_EQ(platform::openStream(folder.programData(), "rb"), nullptr);
+    const QString pipe = folder.path(QStringLiteral("pipe"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_EQ(platform::openStream(pipe, "rb"), nullptr);
     EXPECT_EQ(
         platform::openStream(folder.path(QStringLiteral("a")) + QChar(0) + QLatin1Char('b'), "wb"),
         nullptr);

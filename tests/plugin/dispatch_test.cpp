@@ -54,9 +54,8 @@ TEST(Dispatch, WhatIsNotServedSaysSo)
 {
     Engine engine;
     for (const char* action :
-         {"SVP_Save", "SVP_SaveAs", "SendSVPtoQRV", "FixProfile", "ExtendWithFile", "ExtendDefault",
-          "ExtendTempSal", "Thin", "RVT300", "Distribute", "ShowRaypath", "SaveFilter",
-          "GetAllFilters", "DeleteFilter", "SelectExtentionFile"}) {
+         {"FixProfile", "ExtendWithFile", "ExtendDefault", "ExtendTempSal", "Thin", "ShowRaypath",
+          "SaveFilter", "GetAllFilters", "DeleteFilter", "SelectExtentionFile"}) {
         EXPECT_TRUE(
             outcome(engine.request(QLatin1String(action)))
                 .endsWith(QLatin1String(" is not available in this version of the engine.")))

@@ -1,3 +1,4 @@
+#include "tests/support/commalocale.h"
 #include "tests/support/enginefixture.h"
 
 #include <QDir>
@@ -158,11 +159,13 @@ TEST(OpenAction, RefusalsCarryTheirReason)
 TEST(OpenAction, TheHeaderMayHoldAnyLetters)
 {
     Engine engine;
-    engine.folder.writeProfile(
-        QStringLiteral("x.asvp"),
-        "( SoundVelocity 1.0 0 202611151234 59.5 10.25 0 0 0 M\xE5l\xF8y %1\0 2 )\r0 1500\r1 1500");
-    const QJsonObject reply = engine.request(open, QStringLiteral("[x.asvp,asvp]"));
-    EXPECT_EQ(outcome(reply), QLatin1String("Header not correct in file."));
+    engine.folder.writeProfile(QStringLiteral("zero.asvp"),
+                               "( SoundVelocity 1.0 0 202611151234 59.5 10.25 0 0 0 a" +
+                                   QByteArray(1, '\0') + "b NA 2 )\n0 1500\n1 1500\n");
+    EXPECT_EQ(engine.request(open, QStringLiteral("[zero.asvp,asvp]"))
+                  .value(QLatin1String("hsvp_filesource"))
+                  .toString(),
+              QStringLiteral("a") + QChar(0) + QStringLiteral("b"));
     engine.folder.writeProfile(
         QStringLiteral("x.asvp"),
         "( SoundVelocity 1.0 0 202611151234 59.5 10.25 0 0 0 M\xE5l\xF8y %1 2 )\r0 1500\r1 1500");
@@ -203,6 +206,25 @@ TEST(OpenAction, AFolderNamedWithBackslashesIsFoundAndRewritten)
                asvp({"0 1500", "10 1499"}));
     EXPECT_EQ(openOutcome(engine, QStringLiteral("x.asvp")), QLatin1String("SUCCESS"));
     EXPECT_FALSE(engine.folder.read(QStringLiteral("runcf/AbsCoeff.ini")).contains('\\'));
+}
+
+TEST(OpenAction, ACommaLocaleChangesNoNumber)
+{
+    const CommaLocale comma;
+    ASSERT_TRUE(CommaLocale::isActive());
+    Engine engine;
+    EXPECT_TRUE(
+        engine.folder.read(QStringLiteral("tqrv/SVPEditor.ini")).contains("dSVMin=1400.000000"));
+    EXPECT_EQ(engine.plugin.limits().minTemperature, -5.0F);
+    engine.folder.writeProfile(QStringLiteral("x.asvp"), asvp({"0.5 1500.25", "10.5 1499.75"}));
+    engine.request(open, QStringLiteral("[x.asvp,asvp]"));
+    EXPECT_TRUE(engine.rawPackets().first().contains("1500.25,\n        1499.75"));
+    const QJsonObject checked =
+        engine.request(QStringLiteral("CheckProfile"),
+                       checkBody(QStringLiteral("1500.25,1399.75"), QStringLiteral("0.5,10.5")));
+    EXPECT_EQ(checked.value(QLatin1String("svpX")).toArray(), (QJsonArray{1399.75}));
+    EXPECT_EQ(engine.plugin.GetReportErr("2617", 1, 0.5, 1500.25),
+              "Illegal depth value. Sample no. 1:  0.50m  1500.25m/s. Profile not accepted.");
 }
 
 TEST(OpenAction, EveryExampleOpens)

@@ -45,6 +45,8 @@ TEST(Startup, ExistingFilesStay)
     folder.write(extensionFile, "mine");
     {
         const CSVP_WebInterface plugin;
+        EXPECT_EQ(plugin.limits().minSoundSpeed, 1390.0F);
+        EXPECT_EQ(plugin.limits().maxSoundSpeed, 1700.0F);
     }
     EXPECT_EQ(folder.read(settingsFile), edited);
     EXPECT_EQ(folder.read(extensionFile), "mine");

@@ -217,8 +217,14 @@ TEST(QuickCheck, ListsOfUnequalLengthAreJudgedByTheirPairs)
     const QString brief = QStringLiteral("SoundVelocity*f*%1*%2*59.5*10.25*20261115123456");
     EXPECT_TRUE(
         quickCheck(brief.arg(QStringLiteral("0,12000,12001"), QStringLiteral("1500,1550"))).passes);
-    EXPECT_FALSE(
+    EXPECT_TRUE(
         quickCheck(brief.arg(QStringLiteral("0,1,12000"), QStringLiteral("1500,1550"))).passes);
+    EXPECT_FALSE(
+        quickCheck(brief.arg(QStringLiteral("0,1,100"), QStringLiteral("1500,1550"))).passes);
+    EXPECT_FALSE(
+        quickCheck(brief.arg(QStringLiteral("0,0,12000"), QStringLiteral("1500,1550"))).passes);
+    EXPECT_TRUE(
+        quickCheck(brief.arg(QStringLiteral("0,12000"), QStringLiteral("1500,1550,1560"))).passes);
 }
 
 TEST(QuickCheck, AnyOtherFormIsRefused)

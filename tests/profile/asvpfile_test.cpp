@@ -151,6 +151,16 @@ TEST(WriteSVPfile, WritesIntoTheConfiguredFolder)
     EXPECT_EQ(bytesOf(path), asvpText(threeDepths, threeSpeeds, goodHeader()));
 }
 
+TEST(WriteSVPfile, MakesTheFoldersItNeedsBelowTheDataRoot)
+{
+    const DataFolder folder(QStringLiteral("data"), false);
+    QString path;
+    EXPECT_EQ(writeSVPfile(threeDepths, threeSpeeds, QStringLiteral("north/x"), goodHeader(), path),
+              0);
+    EXPECT_EQ(path, folder.profile(QStringLiteral("north/x.asvp")));
+    EXPECT_TRUE(QFile::exists(path));
+}
+
 TEST(WriteSVPfile, AppendsTheSuffixOnlyWhereItIsMissing)
 {
     const DataFolder folder;
@@ -189,14 +199,14 @@ TEST(WriteSVPfile, TellsWhenTheFileCannotBeWritten)
     const DataFolder folder;
     QString path;
     QDir().mkpath(folder.profile(QStringLiteral("dir.asvp")));
-    for (const char* name : {"dir.asvp", "none/x", "../x", "/tmp/x", "C:x", "", "..\\x"}) {
+    for (const char* name : {"dir.asvp", "dir.asvp/x/", "../x", "/tmp/x", "C:x", "", "..\\x"}) {
         EXPECT_EQ(
             writeSVPfile(threeDepths, threeSpeeds, QString::fromLatin1(name), goodHeader(), path),
             QByteArray(name).isEmpty() ? 0 : -2)
             << name;
     }
-    EXPECT_TRUE(testlog::lines().first().startsWith(
-        QLatin1String("CSVP_WebInterface::writeSVPfile - WARNING -")));
+    EXPECT_TRUE(testlog::hasLine(QStringLiteral(
+        "CSVP_WebInterface::writeSVPfile - WARNING - Filename refers to a directory")));
     EXPECT_FALSE(QFile::exists(folder.path(QStringLiteral("qrvdata/x.asvp"))));
 }
 

@@ -58,6 +58,7 @@ TEST(ColumnDecoder, UnusableLinesArePassedOver)
         {"1 nan\n", 0},
         {"inf 1500\n", 0},
         {"1 1e400\n", 0},
+        {"1e-400 1500\n", 1},
         {"1 1e39\n", 0},
         {"1 0x10\n", 0},
         {"1,5 1500\n", 0},

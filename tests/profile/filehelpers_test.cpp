@@ -22,6 +22,8 @@ TEST(FileHelpers, OneSeparatorStandsAtTheSeam)
         {"C:\\data", "\\x.asvp", "C:\\data\\x.asvp"},
         {"/data/", "\\x.asvp", "/data/x.asvp"},
         {"", "x.asvp", "x.asvp"},
+        {"C:\\d\\\\", "x", "C:\\d\\x"},
+        {"d/", "//x", "d/x"},
         {"a", "", "a\\"},
     };
     for (const auto& c : cases)
@@ -51,6 +53,12 @@ TEST(FileHelpers, FilesAreWrittenAndRead)
     std::fclose(stream);
     EXPECT_EQ(std::string(path), directory + "\\x.txt");
     EXPECT_EQ(data.read(QStringLiteral("neu/ü/x.txt")), "a\n");
+
+    stream = fnFileOpenWrite(directory.c_str(), "x.txt", path);
+    ASSERT_NE(stream, nullptr);
+    std::fputs("ab", stream);
+    std::fclose(stream);
+    EXPECT_EQ(data.read(QStringLiteral("neu/ü/x.txt")), "ab") << "an older file is emptied first";
 
     stream = fnFileOpenRead(directory.c_str(), "x.txt");
     ASSERT_NE(stream, nullptr);

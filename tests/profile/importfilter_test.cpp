@@ -55,5 +55,9 @@ TEST(ImportFilter, ThePostfixSelectsInAnyCase)
     EXPECT_TRUE(findFilter(builtInFilters(), QStringLiteral("x.amlx"), row));
     EXPECT_EQ(row.name, QLatin1String("AMLx"));
     EXPECT_FALSE(findFilter(builtInFilters(), QStringLiteral("x.asvp.txt"), row));
+    const QStringList two = {QStringLiteral("first,.p,1,0,-1,-1,-1,1,1,1,tab,undef"),
+                             QStringLiteral("second,x.p,1,0,-1,-1,-1,1,1,1,tab,undef")};
+    EXPECT_TRUE(findFilter(two, QStringLiteral("x.p"), row));
+    EXPECT_EQ(row.name, QLatin1String("first"));
     EXPECT_FALSE(findFilter({QStringLiteral("bad row")}, QStringLiteral("x.asvp"), row));
 }

@@ -25,6 +25,7 @@ TEST(ProfileFolder, NamesStayInside)
         {"sub/../../x.asvp", ""},
         {"..\\x.asvp", ""},
         {"..", ""},
+        {"x.asvp/", ""},
         {".", ""},
         {"", ""},
         {"/etc/passwd", ""},
@@ -85,7 +86,8 @@ TEST(ProfileFolder, TheDefaultLiesBelowTheDataRoot)
     EXPECT_EQ(profile::openedProfileFolder().path(), expected);
     EXPECT_EQ(profile::savedProfileFolder().path(), expected);
     EXPECT_FALSE(QDir(expected).exists());
-    profile::savedProfileFolder().makeIfOwn();
+    const ProfileFolder folder = profile::savedProfileFolder();
+    folder.makeFolderOf(folder.pathOf(QStringLiteral("x.asvp")));
     EXPECT_TRUE(QDir(expected).exists());
 }
 
@@ -94,7 +96,8 @@ TEST(ProfileFolder, AFolderElsewhereIsNotMade)
     const DataFolder data;
     const QString elsewhere = data.programData() + QStringLiteral("/elsewhere");
     data.write(QStringLiteral("runcf/AbsCoeff.ini"), "[absLoc]\nInitialDir=" + elsewhere.toUtf8());
-    profile::savedProfileFolder().makeIfOwn();
+    const ProfileFolder folder = profile::savedProfileFolder();
+    folder.makeFolderOf(folder.pathOf(QStringLiteral("x.asvp")));
     EXPECT_FALSE(QDir(elsewhere).exists());
 }
 

@@ -167,6 +167,9 @@ TEST(CDataFile, LinesAreCutAtTheirBuffers)
     const std::string text = store.SaveText();
     EXPECT_EQ(text.find("[s]"), 512U);
     EXPECT_EQ(text.size(), 512U + 4U + 65535U);
+    CDataFile longName;
+    longName.CreateSection(std::string(600, 'n'), "");
+    EXPECT_EQ(longName.SaveText(), "\n[" + std::string(509, 'n') + "\n");
 
     EXPECT_EQ(loaded("k=" + std::string(70000, 'v') + "\nn=1").FetchValue("k", "").size(), 65533U);
     EXPECT_EQ(loaded("k=" + std::string(70000, 'v') + "\nn=1").FetchValue("n", ""), "1");

@@ -1,8 +1,8 @@
 #include "settings/numbers.h"
+#include "tests/support/commalocale.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 
@@ -54,12 +54,11 @@ TEST(Numbers, RealsReadAsTheCLibraryDoes)
 
 TEST(Numbers, TheDecimalPointIsAPointInEveryLocale)
 {
-    // A locale with a comma need not be installed; then the test holds by itself.
-    const char* const locale = std::setlocale(LC_ALL, "de_DE.UTF-8");
+    const CommaLocale comma;
+    ASSERT_TRUE(CommaLocale::isActive());
     EXPECT_EQ(leadingDouble("1400.5"), 1400.5);
+    EXPECT_EQ(leadingDouble("1e400"), HUGE_VAL);
     EXPECT_EQ(settings::fixedText(1400.5), "1400.500000");
-    if (locale != nullptr)
-        std::setlocale(LC_ALL, "C");
 }
 
 TEST(Numbers, ValuesBeyondAFloatBecomeInfinite)

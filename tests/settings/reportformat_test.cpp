@@ -9,6 +9,8 @@ TEST(ReportFormat, FillsTheConversionsOfTheDefaultTexts)
     EXPECT_EQ(formatReport("Sample no. %d:  %.2fm  %.2fm/s.", {3, 10.005, 1500.0}),
               "Sample no. 3:  10.01m  1500.00m/s.");
     EXPECT_EQ(formatReport("%.2f", {-0.25}), "-0.25");
+    // Halves go to the even neighbour, as in the C library.
+    EXPECT_EQ(formatReport("%.2f %.2f", {10.125, 1500.625}), "10.12 1500.62");
 }
 
 TEST(ReportFormat, ATextEditedByHandCannotReachBeyondItsArguments)

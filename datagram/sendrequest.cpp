@@ -1,0 +1,72 @@
+#include "datagram/sendrequest.h"
+
+#include "datagram/sspdatagram.h"
+
+#include <cmath>
+
+namespace datagram {
+
+namespace {
+
+constexpr QLatin1Char zero('0');
+constexpr QLatin1Char comma(',');
+
+double degreesOf(const QString& text)
+{
+    const double degrees = text.toDouble();
+    return std::isfinite(degrees) ? degrees : 0.0;
+}
+
+} // namespace
+
+ShortSend parseShortSend(const QVector<QStringRef>& pieces, bool speedsFirst)
+{
+    ShortSend request;
+    request.fileName = pieces.value(1).toString();
+    request.depths = profile::parseNumbers(pieces.value(speedsFirst ? 3 : 2).trimmed());
+    request.speeds = profile::parseNumbers(pieces.value(speedsFirst ? 2 : 3).trimmed());
+    request.latitude = pieces.value(4).toString();
+    request.longitude = pieces.value(5).toString();
+    request.time = pieces.value(6).toString();
+    return request;
+}
+
+QString shortPositionText(const QString& degrees)
+{
+    const double size = std::abs(degreesOf(degrees));
+    double whole = std::floor(size);
+    // Rounded first, so that no position reads as 60 minutes.
+    double minutes = std::round((size - whole) * 60.0 * 1e5) / 1e5;
+    if (minutes >= 60.0) {
+        minutes = 0.0;
+        whole += 1.0;
+    }
+    return QString::number(whole, 'f', 0).rightJustified(2, zero) +
+           QString::number(minutes, 'f', 5).rightJustified(8, zero);
+}
+
+QByteArray shortDatagram(const ShortSend& request)
+{
+    const QString& time = request.time;
+    QByteArray text = (QStringLiteral("$QZS00,00001,") +
+                       QString::number(request.depths.size()).rightJustified(4, zero) + comma +
+                       time.mid(8, 2) + time.mid(10, 2) + time.mid(12, 2) + comma + time.mid(6, 2) +
+                       comma + time.mid(4, 2) + comma + time.left(4) + comma)
+                          .toUtf8();
+    for (int i = 0; i < request.depths.size(); ++i) {
+        text += QByteArray::number(double(request.depths[i]), 'g', 6);
+        text += ',';
+        text += QByteArray::number(double(request.speeds[i]), 'g', 6);
+        text += ",,,\r\n";
+    }
+    text += shortPositionText(request.latitude).toLatin1();
+    text += degreesOf(request.latitude) < 0.0 ? ",S," : ",N,";
+    text += shortPositionText(request.longitude).toLatin1();
+    text += degreesOf(request.longitude) < 0.0 ? ",W,,,PE*" : ",E,,,PE*";
+
+    const QByteArray digits =
+        QByteArray::number(checksum(text, text.indexOf('*')), 16).toUpper().rightJustified(2, '0');
+    return text + digits + "\\\r\n";
+}
+
+} // namespace datagram

@@ -1,0 +1,222 @@
+#include "datagram/sspdatagram.h"
+
+#include "settings/numbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string_view>
+
+namespace datagram {
+
+namespace {
+
+// Beyond this a 32-bit float has no digits to show; a file that holds a number with a million
+// decimals must not make each row as long.
+constexpr int mostDecimals = 20;
+
+double finiteNumber(const QString& text)
+{
+    const double number = text.toDouble();
+    return std::isfinite(number) ? number : 0.0;
+}
+
+QByteArray withoutMinus(const QString& text)
+{
+    return QString(text).remove(QLatin1Char('-')).toUtf8();
+}
+
+// One column of the rows: its values and how they are written.
+struct Column
+{
+    const QVector<float>* values; // null: the column stays empty
+    int decimals;
+};
+
+void appendNumber(QByteArray& row, const Column& column, int sample)
+{
+    if (column.values == nullptr)
+        return;
+    const float value = sample < column.values->size() ? column.values->at(sample) : 0.0F;
+    row += QByteArray::number(double(value), 'f', std::clamp(column.decimals, 0, mostDecimals));
+}
+
+int fieldInt(const std::vector<QByteArray>& fields, std::size_t index, int offset = 0)
+{
+    if (index >= fields.size() || fields[index].size() < offset)
+        return 0;
+    const QByteArray& field = fields[index];
+    return settings::leadingInt({field.constData() + offset, std::size_t(field.size() - offset)});
+}
+
+bool isTime(int time)
+{
+    return time >= 0 && time / 10000 <= 23 && time % 10000 < 6000 && time % 100 <= 59;
+}
+
+bool endsProperly(const QByteArray& text)
+{
+    const int backslash = text.lastIndexOf('\\');
+    return backslash >= 0 && text.mid(backslash + 1, 2) == "\r\n";
+}
+
+} // namespace
+
+QByteArray fnConstrSspHeader(const QString& time, int identifier, int samples)
+{
+    return sspHeader(QString::number(identifier).rightJustified(2, QLatin1Char('0')),
+                     QString::number(samples), time);
+}
+
+QByteArray sspHeader(const QString& identifier, const QString& samples, const QString& time)
+{
+    const QChar comma = QLatin1Char(',');
+    return (QStringLiteral("$QZS") + identifier + QStringLiteral(",00000,") + samples + comma +
+            time.right(6) + comma + time.mid(6, 2) + comma + time.mid(4, 2) + comma + time.left(4) +
+            comma)
+        .toUtf8();
+}
+
+QByteArray fnConstrSspBody(int samples, int identifier, const Columns& columns,
+                           const DecimalCounts& decimals)
+{
+    const ContentIdentifier content = contentIdentifier(identifier);
+    if (content.first == FirstColumn::NoRows || samples < 1)
+        return {};
+
+    const bool isDepth = content.first == FirstColumn::Depth;
+    const Column row[] = {
+        {isDepth ? &columns.depth : &columns.alternative,
+         isDepth ? decimals.depth : decimals.alternative},
+        {content.hasSpeed ? &columns.speed : nullptr, decimals.speed},
+        {content.hasTemperature ? &columns.temperature : nullptr, decimals.temperature},
+        {content.hasSalinity ? &columns.salinity : nullptr, decimals.salinity},
+        {content.hasAbsorption ? &columns.absorption : nullptr, decimals.absorption},
+    };
+    QByteArray rows;
+    constexpr int usualRowLength = 32;
+    rows.reserve(std::min(samples, 1000000) * usualRowLength);
+    for (int sample = 0; sample < samples; ++sample) {
+        const char* separator = "";
+        for (const Column& column : row) {
+            rows += separator;
+            appendNumber(rows, column, sample);
+            separator = ",";
+        }
+        rows += "\r\n";
+    }
+    return rows;
+}
+
+QByteArray fnConstrSspTail(const QString& latitude, const QString& longitude,
+                           const QString& comment)
+{
+    return withoutMinus(latitude) + (finiteNumber(latitude) < 0.0 ? ",S," : ",N,") +
+           withoutMinus(longitude) + (finiteNumber(longitude) < 0.0 ? ",W,,," : ",E,,,") +
+           comment.toUtf8() + '*';
+}
+
+unsigned char checksum(const QByteArray& text, int end)
+{
+    unsigned char sum = 0;
+    for (int i = 1; i < end && i < text.size(); ++i)
+        sum = static_cast<unsigned char>(sum ^ static_cast<unsigned char>(text[i]));
+    return sum;
+}
+
+QByteArray sealed(const QByteArray& text)
+{
+    const QByteArray digits = QByteArray::number(checksum(text, text.size() - 1), 16).toUpper();
+    return text + digits.rightJustified(2, '0') + "\\\r\n";
+}
+
+QString degreesMinutesText(const QString& degrees)
+{
+    const double value = finiteNumber(degrees);
+    const double size = std::abs(value);
+    double whole = std::floor(size);
+    // Rounded before they are joined, so that no position reads as 60 minutes.
+    double minutes = std::round((size - whole) * 60.0 * 1e6) / 1e6;
+    if (minutes >= 60.0) {
+        minutes = 0.0;
+        whole += 1.0;
+    }
+    const QString text = QString::number(whole * 100.0 + minutes, 'f', 6);
+    return value < 0.0 ? QLatin1Char('-') + text : text;
+}
+
+BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& decimals)
+{
+    const QByteArray rows =
+        fnConstrSspBody(parts.samples.toInt(), parts.identifier.toInt(), parts.columns, decimals);
+    if (rows.isEmpty())
+        return {{}, QStringLiteral("No samples extracted.")};
+    const QByteArray tail = fnConstrSspTail(degreesMinutesText(parts.latitude),
+                                            degreesMinutesText(parts.longitude), parts.comment);
+    if (tail.isEmpty())
+        return {{}, QStringLiteral("No SSP datagram tail generated.")};
+    return {sealed(sspHeader(parts.identifier, parts.samples, parts.time) + rows + tail), {}};
+}
+
+std::vector<QByteArray> datagramFields(const QByteArray& text)
+{
+    constexpr int endLength = 7;
+    QByteArray flat = text;
+    for (int i = 0; i < flat.size(); ++i) {
+        if (i + 2 < flat.size() && flat[i] == '\r' && flat[i + 1] == '\n' && flat[i + 2] == ',')
+            flat[i + 2] = ' ';
+        if (i < flat.size() - endLength) {
+            if (flat[i] == '\r')
+                flat[i] = ' ';
+            else if (flat[i] == '\n')
+                flat[i] = ',';
+        }
+    }
+    std::vector<QByteArray> fields;
+    int start = 0;
+    for (int end = flat.indexOf(','); end >= 0; end = flat.indexOf(',', start)) {
+        fields.push_back(flat.mid(start, end - start));
+        start = end + 1;
+    }
+    fields.push_back(flat.mid(start));
+    return fields;
+}
+
+int fnVerifySXX(const QByteArray& text, const std::vector<QByteArray>& fields)
+{
+    constexpr int identifierPlace = 4;
+    if (!text.startsWith('$'))
+        return 1;
+    if (fields.empty() || fields[0].size() < identifierPlace || fields[0][3] != 'S')
+        return 2;
+    if (!contentIdentifier(fieldInt(fields, 0, identifierPlace)).isLegal)
+        return 3;
+    const int samples = fieldInt(fields, 2);
+    if (samples < 1 || samples > 1000)
+        return 4;
+    if (!isTime(fieldInt(fields, 3)))
+        return 5;
+    const int day = fieldInt(fields, 4);
+    if (day < 1 || day > 31)
+        return 6;
+    const int month = fieldInt(fields, 5);
+    if (month < 1 || month > 12)
+        return 7;
+    const int year = fieldInt(fields, 6);
+    if (year < 0 || year > 9999)
+        return 8;
+    if (std::abs(int(fields.size()) - (5 * samples + 14)) >= 3)
+        return 9;
+    return endsProperly(text) ? 0 : 10;
+}
+
+double getFromS00(const ConvertedProfile& profile, int index, int vector)
+{
+    constexpr double none = -99.0;
+    if (vector < 0 || std::size_t(vector) >= profile.size())
+        return none;
+    const QVector<float>& values = profile[std::size_t(vector)];
+    return index >= 0 && index < values.size() ? double(values[index]) : none;
+}
+
+} // namespace datagram

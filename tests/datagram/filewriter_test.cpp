@@ -1,0 +1,94 @@
+#include "datagram/filewriter.h"
+#include "tests/support/datafolder.h"
+#include "tests/support/log.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+using namespace datagram;
+
+namespace {
+
+QStringList filesOf(const DataFolder& folder)
+{
+    return QDir(folder.path(QString())).entryList(QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+TEST(BackupPath, CarriesDateTimeAndSuffix)
+{
+    const DataFolder folder;
+    const QDateTime now(QDate(2026, 11, 15), QTime(1, 2, 3));
+    const auto backupOf = [&](const char* name) {
+        return backupPath(folder.path(QLatin1String(name)), now).mid(folder.path(QString()).size());
+    };
+    EXPECT_EQ(backupOf("cast.ssp"), QLatin1String("cast_bck_20261115_010203.ssp"));
+    EXPECT_EQ(backupOf("cast.north.ssp"), QLatin1String("cast.north_bck_20261115_010203.ssp"));
+    EXPECT_EQ(backupOf("sub/x.ssp"), QLatin1String("sub/x_bck_20261115_010203.ssp"));
+    folder.write(QStringLiteral("cast_bck_20261115_010203.ssp"), "taken");
+    EXPECT_EQ(backupOf("cast.ssp"), QLatin1String("cast_bck_20261115_010203_2.ssp"));
+    folder.write(QStringLiteral("cast_bck_20261115_010203_2.ssp"), "taken");
+    EXPECT_EQ(backupOf("cast.ssp"), QLatin1String("cast_bck_20261115_010203_3.ssp"));
+}
+
+TEST(SaveOtherFile, KeepsWhatItReplaces)
+{
+    const DataFolder folder;
+    QFile::remove(folder.path(QString()) + QStringLiteral("x"));
+    QString error;
+    const QString path = folder.path(QStringLiteral("cast.ssp"));
+    EXPECT_EQ(saveOtherFile(path, "1", true, error), platform::Replaced::Whole);
+    EXPECT_EQ(filesOf(folder), QStringList{QStringLiteral("cast.ssp")});
+    EXPECT_EQ(saveOtherFile(path, "2", true, error), platform::Replaced::Whole);
+    EXPECT_EQ(saveOtherFile(path, "3", true, error), platform::Replaced::Whole);
+    EXPECT_EQ(saveOtherFile(path, "4", false, error), platform::Replaced::Whole);
+    EXPECT_EQ(bytesOf(path), "4");
+    const QStringList files = filesOf(folder);
+    ASSERT_EQ(files.size(), 3);
+    const QRegularExpression form(QStringLiteral("^cast_bck_\\d{8}_\\d{6}(_2)?\\.ssp$"));
+    QByteArray kept;
+    for (const QString& name : files) {
+        if (name != QLatin1String("cast.ssp")) {
+            EXPECT_TRUE(form.match(name).hasMatch()) << qPrintable(name);
+            kept += bytesOf(folder.path(name));
+        }
+    }
+    EXPECT_TRUE(kept == "12" || kept == "21");
+}
+
+TEST(SaveOtherFile, WhatCannotBeWrittenIsTold)
+{
+    const DataFolder folder;
+    QDir().mkpath(folder.path(QStringLiteral("folder.ssp")));
+    for (const char* name : {"none/cast.ssp", "folder.ssp"}) {
+        QString error;
+        EXPECT_EQ(saveOtherFile(folder.path(QLatin1String(name)), "1", true, error),
+                  platform::Replaced::NotOpened);
+        EXPECT_FALSE(error.isEmpty());
+        EXPECT_TRUE(testlog::hasLine(
+            QStringLiteral("CSVP_WebInterface::writeSVPfile - WARNING - ") + error));
+    }
+    EXPECT_TRUE(QFileInfo(folder.path(QStringLiteral("folder.ssp"))).isDir());
+}
+
+TEST(SaveOtherFile, AKillAtAnyStepLosesNothing)
+{
+    int steps = 0;
+    for (int code = 9; code == 9; ++steps) {
+        ASSERT_LT(steps, 10);
+        const DataFolder folder;
+        const QString path = folder.path(QStringLiteral("cast.ssp"));
+        writeBytes(path, "old");
+        code = QProcess::execute(QStringLiteral(SVP_KILLED_WRITER),
+                                 {path, QString::number(steps + 1)});
+        ASSERT_TRUE(code == 9 || code == 0);
+        EXPECT_EQ(bytesOf(path), code == 9 ? "old" : "new") << "step " << steps + 1;
+    }
+    // The second name of the older file, and at least one step that puts the new one in place.
+    EXPECT_GE(steps, 3);
+}
