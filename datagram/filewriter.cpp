@@ -1,6 +1,7 @@
 #include "datagram/filewriter.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QFileInfo>
 
 namespace datagram {
@@ -8,12 +9,20 @@ namespace datagram {
 QString backupPath(const QString& path, const QDateTime& now)
 {
     const QFileInfo file(path);
-    const QString start = file.path() + QLatin1Char('/') + file.completeBaseName() +
-                          QStringLiteral("_bck_") + now.toString(QStringLiteral("yyyyMMdd_HHmmss"));
-    const QString end = QLatin1Char('.') + file.suffix();
-    QString name = start + end;
+    const QString time = QStringLiteral("_bck_") + now.toString(QStringLiteral("yyyyMMdd_HHmmss"));
+    const QString suffix = file.suffix().isEmpty() ? QString() : QLatin1Char('.') + file.suffix();
+    // A long name gives way to the time: what is kept must fit into a file name.
+    QString base = file.completeBaseName();
+    constexpr int longestName = 255;
+    constexpr int roomForNumber = 7;
+    while (!base.isEmpty() &&
+           QFile::encodeName(base + time + suffix).size() > longestName - roomForNumber)
+        base.chop(base.size() > 1 && base.at(base.size() - 1).isLowSurrogate() ? 2 : 1);
+
+    const QString start = file.path() + QLatin1Char('/') + base + time;
+    QString name = start + suffix;
     for (int number = 2; QFileInfo::exists(name) || QFileInfo(name).isSymLink(); ++number)
-        name = start + QLatin1Char('_') + QString::number(number) + end;
+        name = start + QLatin1Char('_') + QString::number(number) + suffix;
     return name;
 }
 

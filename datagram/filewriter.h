@@ -9,7 +9,8 @@
 namespace datagram {
 
 /// Name for the backup of `path`, in the same folder: base name, "_bck_", local date and time
-/// (yyyyMMdd_HHmmss), "." and the suffix. Where that is taken, a number is added behind the time.
+/// (yyyyMMdd_HHmmss), "." and the suffix. Where that is taken, a number is added behind the time. A
+/// base name that leaves no room for the rest is cut.
 QString backupPath(const QString& path, const QDateTime& now);
 
 /// Writes a finished file body to `path`, replacing an older file whole. With `keepBackup` the

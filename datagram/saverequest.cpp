@@ -1,5 +1,7 @@
 #include "datagram/saverequest.h"
 
+#include <algorithm>
+
 namespace datagram {
 
 namespace {
@@ -27,7 +29,8 @@ QString listsRefusal(const profile::ValueLists& lists, const QString& statedSamp
 {
     if (lists.speed.size() < 3)
         return QStringLiteral("Wrong svp input.");
-    if (lists.speed.size() != lists.depth.size() || lists.depth.size() < fewest)
+    // As many of each list are read as there are depths: surplus sound speeds do not count.
+    if (lists.speed.size() < lists.depth.size() || lists.depth.size() < fewest)
         return QStringLiteral("Sample count mismatch or too small.");
     if (statedSamples.toInt() != lists.depth.size())
         return QStringLiteral("Stated sample count mismatch.");
@@ -37,12 +40,14 @@ QString listsRefusal(const profile::ValueLists& lists, const QString& statedSamp
 QString datagramFileName(const QString& name)
 {
     const QString suffix = QStringLiteral(".ssp");
-    QString renamed = name;
+    const int start =
+        std::max(name.lastIndexOf(QLatin1Char('/')), name.lastIndexOf(QLatin1Char('\\'))) + 1;
+    QString last = name.mid(start);
     for (const QLatin1String other : {QLatin1String(".vp2"), QLatin1String(".aml")}) {
-        if (name.contains(other))
-            return renamed.replace(other, suffix);
+        if (last.contains(other))
+            return name.left(start) + last.replace(other, suffix);
     }
-    return renamed;
+    return name;
 }
 
 bool parseDepthSpeedPairs(const QStringRef& list, DepthSpeedPairs& pairs)

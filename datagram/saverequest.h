@@ -16,11 +16,12 @@ Columns columnsOf(const profile::ValueLists& lists);
 
 /// Why a list of values with its stated number cannot become a datagram, in the order of the
 /// tests: "Wrong svp input." below three sound speeds; "Sample count mismatch or too small." when
-/// there are not as many sound speeds as depths, or fewer than `fewest`; "Stated sample count
-/// mismatch." Empty when it can.
+/// there are fewer sound speeds than depths (surplus ones do not count), or fewer depths than
+/// `fewest`; "Stated sample count mismatch." Empty when it can.
 QString listsRefusal(const profile::ValueLists& lists, const QString& statedSamples, int fewest);
 
-/// Name under which a datagram is saved: ".vp2", or else ".aml", in the name becomes ".ssp".
+/// Name under which a datagram is saved: ".vp2", or else ".aml", in its last element becomes
+/// ".ssp"; folders keep their names.
 QString datagramFileName(const QString& name);
 
 /// Depths and speeds of an `.asvp` save request.

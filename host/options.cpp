@@ -57,7 +57,7 @@ bool parseListen(const QString& text, Options& options)
         return false;
 
     bool isNumber = false;
-    options.listenPort = text.mid(colon + 1).toUShort(&isNumber);
+    options.listenPort = text.midRef(colon + 1).toUShort(&isNumber);
     options.listenAddress = QString::fromStdString(parsed.to_string());
     return isNumber;
 }

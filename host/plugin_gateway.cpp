@@ -71,11 +71,11 @@ QString PluginGateway::loadUnguarded(const QString& file)
             .arg(file, QStringLiteral(WebInterface_iid));
 
     // By name: the interface class declares no signals, only the plug-in's own class does.
-    if (!connect(plugin_, SIGNAL(sendWSPacket(QString, QByteArray)), this,
-                 SLOT(relayPacket(QString, QByteArray))))
+    if (!connect(plugin_, SIGNAL(sendWSPacket(QString,QByteArray)), this,
+                                 SLOT(relayPacket(QString,QByteArray))))
         return QStringLiteral("%1 has no signal sendWSPacket(QString, QByteArray).").arg(file);
-    if (!connect(plugin_, SIGNAL(sendPostResponse(int, QByteArray)), this,
-                 SLOT(relayPostResponse(int, QByteArray))))
+    if (!connect(plugin_, SIGNAL(sendPostResponse(int,QByteArray)), this,
+                                 SLOT(relayPostResponse(int,QByteArray))))
         return QStringLiteral("%1 has no signal sendPostResponse(int, QByteArray).").arg(file);
     webSocketNames_ = plugin_->getRegisterWebSocket();
     postNames_ = plugin_->getRegisterPost();

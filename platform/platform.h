@@ -56,15 +56,19 @@ enum class Replaced
     NotWritten, ///< the content could not be written as a whole, e.g. on a full disk
 };
 
-/// Gives the file `path` the further name `backup` in the same folder, so that it stays when
-/// `path` is replaced; where the file system knows no second names, moves it there. False, and
-/// nothing changed, when that fails or `backup` is taken.
+/// Gives the file `path` (of a symbolic link, what it leads to) the further name `backup`, so that
+/// its content stays when `path` is replaced; where the file system knows no second names, copies
+/// it. False, and nothing changed, when that fails or `backup` is taken.
 bool keepAs(const QString& path, const QString& backup);
+
+/// Brings what was written through an open file to the disk. False when the system reports that
+/// it could not.
+bool syncToDisk(int handle);
 
 /// As `replaceFile`, but an older file of that name is kept as `backup`, a name that must not be
 /// taken (empty: it is not kept). The new content is on the disk before the older file is touched,
-/// and where the file system allows there is a file under the name at every moment. An older file
-/// that cannot be kept is replaced all the same.
+/// and there is a whole file under the name at every moment. An older file that cannot be kept is
+/// replaced all the same.
 Replaced replaceFileKeeping(const QString& path, const QString& backup, const QByteArray& content,
                             QString* error = nullptr);
 

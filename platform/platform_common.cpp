@@ -32,15 +32,14 @@ Replaced replaceFileKeeping(const QString& path, const QString& backup, const QB
     // An empty name would be taken relative to the working folder.
     if (path.isEmpty() || !file.open(QIODevice::WriteOnly))
         return failure(Replaced::NotOpened);
-    if (file.write(content) != content.size() || !file.flush())
+    if (file.write(content) != content.size() || !file.flush() || !syncToDisk(file.handle()))
         return failure(Replaced::NotWritten);
     const bool isKept = !backup.isEmpty() && keepAs(path, backup);
     if (file.commit())
         return Replaced::Whole;
     const Replaced outcome = failure(Replaced::NotOpened);
-    // Back to one file under its own name: rename fails where it still has that name.
-    if (isKept && !QFile::rename(backup, path))
-        QFile::remove(backup);
+    if (isKept)
+        QFile::remove(backup); // the older file still stands under its own name
     return outcome;
 }
 

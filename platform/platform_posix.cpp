@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace platform {
@@ -44,9 +45,16 @@ std::FILE* openStream(const QString& path, const char* mode)
 
 bool keepAs(const QString& path, const QString& backup)
 {
-    if (::link(QFile::encodeName(path).constData(), QFile::encodeName(backup).constData()) == 0)
+    // A symbolic link is followed, as replacing the file follows it.
+    if (::linkat(AT_FDCWD, QFile::encodeName(path).constData(), AT_FDCWD,
+                 QFile::encodeName(backup).constData(), AT_SYMLINK_FOLLOW) == 0)
         return true;
-    return errno != EEXIST && QFile::rename(path, backup);
+    return errno != EEXIST && QFile::copy(path, backup);
+}
+
+bool syncToDisk(int handle)
+{
+    return ::fdatasync(handle) == 0 || errno == EINVAL || errno == ENOSYS;
 }
 
 void debugOutput(const std::string& text)

@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <qt_windows.h>
 
+#include <io.h>
+
 namespace platform {
 
 namespace {
@@ -41,9 +43,15 @@ bool keepAs(const QString& path, const QString& backup)
     const auto wide = [](const QString& name) {
         return QDir::toNativeSeparators(name).toStdWString();
     };
-    if (CreateHardLinkW(wide(backup).c_str(), wide(path).c_str(), nullptr))
+    if (!QFileInfo(path).isSymLink() &&
+        CreateHardLinkW(wide(backup).c_str(), wide(path).c_str(), nullptr))
         return true;
-    return QFile::rename(path, backup); // refuses a name that is taken
+    return QFile::copy(path, backup); // refuses a name that is taken
+}
+
+bool syncToDisk(int handle)
+{
+    return _commit(handle) == 0;
 }
 
 void debugOutput(const std::string& text)

@@ -55,7 +55,8 @@ class CSVP_WebInterface : public WebInterface
     /// Limits of sound speed and temperature from the settings file.
     const settings::ProfileLimits& limits() const { return profileLimits; }
 
-    /// Why the last open or write failed; empty after one that did not.
+    /// Why the last open, or the last writing of a datagram file, failed; empty after one that did
+    /// not.
     QString lastErrorText() const { return postErrorText; }
 
     /// Whether the profile in a send request may leave unchanged. `message` is set when the
@@ -143,7 +144,7 @@ class CSVP_WebInterface : public WebInterface
     QStringList webSocketNames;
     QStringList svpFilters;
     QString replyTarget;
-    QString postErrorText;    // why the last open or write failed
+    QString postErrorText;    // why the last open or datagram file failed
     std::string pendingAlert; // sent and emptied by handleAlert
     CDataFile settings;
     settings::ProfileLimits profileLimits;

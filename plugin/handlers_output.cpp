@@ -15,6 +15,8 @@
 #include <QHostAddress>
 #include <QUdpSocket>
 
+#include <new>
+
 // Actions by which a profile leaves the editor: to the survey system, to a file, to the receiver.
 
 using namespace protocol;
@@ -50,22 +52,26 @@ void CSVP_WebInterface::handleSendSVPtoQRV(const QString& body)
     };
     const QString block = profile::withoutBrackets(body);
     const QVector<QStringRef> pieces = profile::splitPieces(block, Qt::KeepEmptyParts);
-    const bool isShort = pieces.size() == profile::shortSendPieces;
-    const bool isMarkedShort = pieces.first() == soundVelocity;
-    if ((!isShort && pieces.size() != profile::fullSendPieces) || (isShort && !isMarkedShort))
+    const bool isShort = pieces.first() == soundVelocity;
+    if (pieces.size() != (isShort ? profile::shortSendPieces : profile::fullSendPieces))
         return refuse(QStringLiteral("Invalid parameters."));
 
-    const processing::SendCheck check = processing::quickCheck(body);
+    const processing::SendCheck check = processing::quickCheck(body, pieces.size());
     if (!check.passes)
         return refuse(QStringLiteral("Profile contains errors and will not be sent to QRV."));
 
-    if (isMarkedShort) {
+    if (isShort) {
         const datagram::ShortSend request = datagram::parseShortSend(pieces, !check.listsSwapped);
         if (request.depths.size() != request.speeds.size())
             return refuse(QStringLiteral("Invalid svp."));
-        QByteArray bytes = datagram::shortDatagram(request);
-        // The survey system reads this form as a C string: its end mark is sent too.
-        sendToSurveySystem(bytes.append('\0'));
+        QByteArray bytes;
+        try {
+            // The survey system reads this form as a C string: its end mark is sent too.
+            bytes = datagram::shortDatagram(request) + QByteArray(1, '\0');
+        } catch (const std::bad_alloc&) {
+            return refuse(QStringLiteral("Memory allocation error."));
+        }
+        sendToSurveySystem(bytes);
         return answer(Reply(action::send)
                           .with(reply::file, request.fileName)
                           .with(reply::svpType, QStringLiteral("S00"))
@@ -96,8 +102,8 @@ void CSVP_WebInterface::sendToSurveySystem(const QByteArray& datagram)
     auto* const socket = new QUdpSocket(this);
     if (socket->writeDatagram(datagram, QHostAddress(QHostAddress::LocalHost),
                               datagram::surveySystemPort) != datagram.size()) {
-        qWarning().noquote() << "SVP Editor - WARNING - datagram of" << datagram.size()
-                             << "bytes not sent:" << socket->errorString();
+        qDebug().noquote() << "SVP Editor - WARNING - datagram of" << datagram.size()
+                           << "bytes not sent:" << socket->errorString();
     }
     // The object stays with the engine; the system's socket would run out over a long watch.
     socket->close();
@@ -125,7 +131,11 @@ void CSVP_WebInterface::handleSave(const QString& body)
     const profile::ProfileFolder folder = profile::savedProfileFolder();
     const QString path = folder.pathOf(datagram::datagramFileName(form.fileName));
     folder.makeFolderOf(path);
-    if (path.isEmpty() || !handleSaveOtherFiles(path, built.bytes, true))
+    if (path.isEmpty()) {
+        postErrorText = tr("The file name leads out of the folder");
+        return refuseSave(QStringLiteral("Error saving file."));
+    }
+    if (!handleSaveOtherFiles(path, built.bytes, true))
         return refuseSave(QStringLiteral("Error saving file."));
     answerSaved(path);
 }

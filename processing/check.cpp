@@ -153,15 +153,20 @@ static bool passesAsPairs(const QVector<float>& depths, const QVector<float>& sp
 {
     const raytrace::Layers samples = pairs(depths, speeds);
     const bool reachesDown = !depths.isEmpty() && double(depths.last()) >= limits::fullOceanDepth;
-    return isSoundToSurface(samples) && (reachesDown || !endsShallow(samples));
+    return speeds.size() >= 2 && isSoundToSurface(samples) &&
+           (reachesDown || !endsShallow(samples));
 }
 
-SendCheck quickCheck(const QString& request)
+SendCheck quickCheck(const QString& request, int expected)
 {
     SendCheck check;
     const QString block = profile::withoutBrackets(request);
     const QVector<QStringRef> pieces = profile::splitPieces(block, Qt::SkipEmptyParts);
     profile::ValueLists lists;
+    if (expected != 0 && pieces.size() != expected) {
+        check.message = QStringLiteral("Wrong number of input parameters.");
+        return check;
+    }
     if (pieces.size() == profile::fullSendPieces) {
         lists = profile::parseValueLists(pieces[2]);
     } else if (pieces.size() == profile::shortSendPieces) {
@@ -171,8 +176,6 @@ SendCheck quickCheck(const QString& request)
         check.message = QStringLiteral("Wrong number of input parameters.");
         return check;
     }
-    if (lists.speed.size() < 2)
-        return check;
 
     check.passes = passesAsPairs(lists.depth, lists.speed);
     if (!check.passes && pieces.size() == profile::shortSendPieces) {

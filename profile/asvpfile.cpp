@@ -85,7 +85,8 @@ int writeSVPfile(const QVector<float>& depths, const QVector<float>& speeds,
     const QString suffix = QStringLiteral(".asvp");
     const QString name = fileName.contains(suffix) ? fileName : fileName + suffix;
     const ProfileFolder folder = savedProfileFolder();
-    path = folder.pathOf(name);
+    // The name must be one by itself: the suffix would make a file of an empty one.
+    path = folder.pathOf(fileName).isEmpty() ? QString() : folder.pathOf(name);
     QString error = QStringLiteral("The file name leads out of the folder");
     if (!path.isEmpty()) {
         folder.makeFolderOf(path);

@@ -22,7 +22,7 @@ QString decodedText(std::string_view bytes)
     const int size = int(bytes.size());
     QTextCodec::ConverterState state;
     // 106 is the registered number of UTF-8.
-    const QString text = QTextCodec::codecForMib(106)->toUnicode(bytes.data(), size, &state);
+    QString text = QTextCodec::codecForMib(106)->toUnicode(bytes.data(), size, &state);
     if (state.invalidChars == 0 && state.remainingChars == 0)
         return text;
     return QString::fromLatin1(bytes.data(), size);

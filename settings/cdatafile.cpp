@@ -185,9 +185,11 @@ std::string CDataFile::SaveText() const
         for (const IniKey& key : section.keys()) {
             if (key.key.empty() || key.value.empty())
                 continue;
-            const std::string gap = key.comment.empty() ? "" : "\n";
-            writeLine(file, gap + writtenComment(key.comment) + gap + key.key + '=' + key.value,
-                      maxLineLength);
+            std::string line;
+            if (!key.comment.empty())
+                line.append("\n").append(writtenComment(key.comment)).append("\n");
+            line.append(key.key).append("=").append(key.value);
+            writeLine(file, line, maxLineLength);
         }
     }
     return file;

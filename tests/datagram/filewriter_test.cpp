@@ -76,6 +76,52 @@ TEST(SaveOtherFile, WhatCannotBeWrittenIsTold)
     EXPECT_TRUE(QFileInfo(folder.path(QStringLiteral("folder.ssp"))).isDir());
 }
 
+TEST(SaveOtherFile, WhatALinkLeadsToIsKept)
+{
+    const DataFolder folder;
+    const QString real = folder.path(QStringLiteral("real.dat"));
+    const QString link = folder.path(QStringLiteral("cast.ssp"));
+    writeBytes(real, "old");
+    ASSERT_TRUE(QFile::link(real, link));
+    QString error;
+    EXPECT_EQ(saveOtherFile(link, "new", true, error), platform::Replaced::Whole);
+    EXPECT_EQ(bytesOf(real), "new");
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    const QStringList backups =
+        QDir(folder.path(QString())).entryList({QStringLiteral("cast_bck_*")}, QDir::Files);
+    ASSERT_EQ(backups.size(), 1);
+    EXPECT_FALSE(QFileInfo(folder.path(backups.first())).isSymLink());
+    EXPECT_EQ(bytesOf(folder.path(backups.first())), "old");
+}
+
+TEST(SaveOtherFile, ALongNameIsKeptToo)
+{
+    const DataFolder folder;
+    for (const int length : {200, 236, 244, 248}) {
+        const QString name = QString(length - 4, QLatin1Char('n')) + QStringLiteral(".ssp");
+        const QString path = folder.path(name);
+        QString error;
+        for (const char* content : {"1", "2", "3"})
+            EXPECT_EQ(saveOtherFile(path, content, true, error), platform::Replaced::Whole)
+                << length;
+        QStringList kept;
+        for (const QFileInfo& file :
+             QDir(folder.path(QString())).entryInfoList({QStringLiteral("*_bck_*")}, QDir::Files)) {
+            kept.append(QString::fromLatin1(bytesOf(file.filePath())));
+            QFile::remove(file.filePath());
+        }
+        kept.sort();
+        EXPECT_EQ(kept, (QStringList{QStringLiteral("1"), QStringLiteral("2")})) << length;
+    }
+    const QString wide(80, QChar(0x6E2C));
+    EXPECT_LE(QFileInfo(backupPath(folder.path(wide + QStringLiteral(".ssp")),
+                                   QDateTime::currentDateTime()))
+                  .fileName()
+                  .toUtf8()
+                  .size(),
+              255);
+}
+
 TEST(SaveOtherFile, AKillAtAnyStepLosesNothing)
 {
     int steps = 0;

@@ -55,7 +55,7 @@ __attribute__((visibility("default"))) int renameat2(int fromFolder, const char*
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    stepsToGo = std::atoi(argv[2]);
+    stepsToGo = int(std::strtol(argv[2], nullptr, 10));
     QString error;
     datagram::saveOtherFile(QString::fromLocal8Bit(argv[1]), "new", true, error);
     return 0;

@@ -30,10 +30,10 @@ TEST(SaveRequest, RefusalsStandInTheirOrder)
         const char* statedSamples;
         QString reason;
     } const cases[] = {
-        {2, 2, "2", wrong},     {2, 3, "9", wrong},       {3, 2, "9", mismatch},
-        {3, 4, "4", mismatch},  {3, 3, "4", stated},      {3, 3, "x", stated},
-        {3, 3, "3", QString()}, {3, 3, "003", QString()}, {3, 3, "3.0", stated},
-        {3, 3, "", stated},
+        {2, 2, "2", wrong},       {2, 3, "9", wrong},    {3, 2, "9", mismatch},
+        {4, 3, "3", QString()},   {4, 3, "4", stated},   {3, 4, "4", mismatch},
+        {3, 3, "4", stated},      {3, 3, "x", stated},   {3, 3, "3", QString()},
+        {3, 3, "003", QString()}, {3, 3, "3.0", stated}, {3, 3, "", stated},
     };
     for (const auto& c : cases) {
         profile::ValueLists lists;
@@ -56,6 +56,8 @@ TEST(SaveRequest, InstrumentSuffixesBecomeSsp)
         {"x.ssp", "x.ssp"},
         {"x", "x"},
         {"x.vp2.aml", "x.ssp.aml"},
+        {"in.vp2/x.ssp", "in.vp2/x.ssp"},
+        {"in.aml\\x.aml", "in.aml\\x.ssp"},
         {"x.VP2", "x.VP2"},
         {"a.vp2_fixed.vp2", "a.ssp_fixed.ssp"},
     };

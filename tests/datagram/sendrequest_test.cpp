@@ -13,7 +13,6 @@ TEST(ShortDatagram, IsBuiltByteForByte)
     request.latitude = QStringLiteral("-33.5");
     request.longitude = QStringLiteral("5.5");
     request.time = QStringLiteral("20261115123456");
-    // The checksum was computed by hand from the text before the "*".
     const QByteArray text =
         "$QZS00,00001,0003,123456,15,11,2026,0,1500.25,,,\r\n10.5,1234.57,,,\r\n"
         "12000,1550,,,\r\n3330.00000,S,0530.00000,E,,,PE*";

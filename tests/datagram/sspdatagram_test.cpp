@@ -59,7 +59,7 @@ std::string built(int identifier, const char* columns, const Columns& c, const D
 // Exactly halfway between two numbers of at most five decimals: printf rounds these to even.
 bool isTie(float value)
 {
-    for (double scale = 1.0; scale <= 1e5; scale *= 10.0) {
+    for (const double scale : {1.0, 1e1, 1e2, 1e3, 1e4, 1e5}) {
         if (std::fmod(std::abs(double(value)) * scale, 1.0) == 0.5)
             return true;
     }

@@ -92,7 +92,7 @@ TEST(Dispatch, TheMessageIsCutAtItsFirstTwoCommas)
         engine.message(QLatin1String(c.data));
         ASSERT_EQ(engine.packets().size(), c.alert != nullptr ? 1 : 0) << c.data;
         if (c.alert != nullptr) {
-            EXPECT_EQ(engine.packets().first().value(QLatin1String("alert")).toString(),
+            EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("alert")).toString(),
                       QLatin1String(c.alert));
         }
     }
@@ -103,7 +103,7 @@ TEST(Dispatch, AMissingBodyIsEmpty)
     Engine engine;
     engine.message(QStringLiteral("x,ACTION=SVP_WebInterface/SVPAlert"));
     ASSERT_EQ(engine.packets().size(), 1);
-    EXPECT_EQ(outcome(engine.packets().first()), QLatin1String("Invalid parameters."));
+    EXPECT_EQ(outcome(engine.packets().constFirst()), QLatin1String("Invalid parameters."));
 }
 
 TEST(Dispatch, WhatIsNoActionIsLoggedWithTheWholeMessage)

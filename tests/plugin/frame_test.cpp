@@ -45,7 +45,7 @@ TEST(Frame, ReadyAnswersItsNameAlone)
     Engine engine;
     engine.request(QStringLiteral("SVPReadyConnected"));
     ASSERT_EQ(engine.rawPackets().size(), 1);
-    EXPECT_EQ(engine.rawPackets().first(), "{\n    \"whoami\": \"SVPReadyConnected\"\n}\n");
+    EXPECT_EQ(engine.rawPackets().constFirst(), "{\n    \"whoami\": \"SVPReadyConnected\"\n}\n");
 }
 
 TEST(Frame, CloseDeliversTheAlertThatWasHeldBack)

@@ -28,7 +28,8 @@ TEST(HostileInput, TenMegabytesOfAnything)
     for (const QChar filler :
          {QChar('*'), QChar(','), QChar(';'), QChar('['), QChar('='), QChar('9'), QChar(0)}) {
         const QString body(size, filler);
-        for (const char* action : {"CheckProfile", "SVP_OpenSVP", "SVPAlert"}) {
+        for (const char* action : {"CheckProfile", "SVP_OpenSVP", "SVPAlert", "SendSVPtoQRV",
+                                   "SVP_Save", "SVP_SaveAs", "RVT300"}) {
             engine.request(QLatin1String(action), body);
             EXPECT_EQ(engine.packets().size(), 1) << action << filler.unicode();
         }
@@ -37,7 +38,8 @@ TEST(HostileInput, TenMegabytesOfAnything)
     }
     engine.request(QStringLiteral("CheckProfile"),
                    checkBody(QString(levels, QLatin1Char(',')), QString(levels, QLatin1Char(','))));
-    EXPECT_EQ(engine.packets().first().value(QLatin1String("svpX")).toArray().size(), levels + 1);
+    EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("svpX")).toArray().size(),
+              levels + 1);
     expectServing(engine);
 }
 
@@ -69,7 +71,7 @@ TEST(HostileInput, ZeroBytesAndLoneSurrogates)
     const QString zero(1, QChar(0));
     engine.message(zero + QStringLiteral(",ACTION=SVP_WebInterface/SVPAlert,a") + zero +
                    QStringLiteral("b"));
-    EXPECT_EQ(engine.packets().first().value(QLatin1String("alert")).toString(),
+    EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("alert")).toString(),
               QStringLiteral("a") + zero + QStringLiteral("b"));
     engine.request(QStringLiteral("SVPAlert"), QString(QChar(0xD800)));
     EXPECT_EQ(engine.packets().size(), 1);

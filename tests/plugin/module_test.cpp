@@ -35,8 +35,8 @@ TEST(Module, ServesThroughTheInterface)
     plugin->requestData(1, "ignored");
     plugin->interfaceReserved();
 
-    QSignalSpy packets(object, SIGNAL(sendWSPacket(QString, QByteArray)));
-    QSignalSpy responses(object, SIGNAL(sendPostResponse(int, QByteArray)));
+    QSignalSpy packets(object, SIGNAL(sendWSPacket(QString,QByteArray)));
+    QSignalSpy responses(object, SIGNAL(sendPostResponse(int,QByteArray)));
     ASSERT_TRUE(packets.isValid() && responses.isValid());
     plugin->requestWebSocket(1, QStringLiteral("SVP_WebInterface"),
                              QStringLiteral("x,ACTION=SVP_WebInterface/SVP_OpenSVP,[x.asvp,asvp]"));

@@ -148,7 +148,7 @@ TEST(OpenAction, RefusalsCarryTheirReason)
         engine.folder.writeProfile(QLatin1String(c.name), c.content);
         EXPECT_EQ(openOutcome(engine, QLatin1String(c.name)), QLatin1String(c.outcome)) << c.name;
         ASSERT_EQ(engine.packets().size(), 1);
-        const QJsonObject reply = engine.packets().first();
+        const QJsonObject reply = engine.packets().constFirst();
         EXPECT_EQ(reply.value(QLatin1String("whoami")).toString(), open);
         if (outcome(reply) != QLatin1String("SUCCESS")) {
             EXPECT_EQ(reply.size(), 3) << "a refusal carries no profile";
@@ -218,7 +218,7 @@ TEST(OpenAction, ACommaLocaleChangesNoNumber)
     EXPECT_EQ(engine.plugin.limits().minTemperature, -5.0F);
     engine.folder.writeProfile(QStringLiteral("x.asvp"), asvp({"0.5 1500.25", "10.5 1499.75"}));
     engine.request(open, QStringLiteral("[x.asvp,asvp]"));
-    EXPECT_TRUE(engine.rawPackets().first().contains("1500.25,\n        1499.75"));
+    EXPECT_TRUE(engine.rawPackets().constFirst().contains("1500.25,\n        1499.75"));
     const QJsonObject checked =
         engine.request(QStringLiteral("CheckProfile"),
                        checkBody(QStringLiteral("1500.25,1399.75"), QStringLiteral("0.5,10.5")));

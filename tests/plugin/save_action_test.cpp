@@ -49,6 +49,10 @@ TEST(SaveAction, ADatagramIsWrittenByteForByte)
         bytes.startsWith("$QZS00,00000,3,123456,15,11,2026,0.00,1500.00,,,\r\n10.25,1490.50,,,\r\n"
                          "12000.00,1550.00,,,\r\n3330.000000,S,530.000000,E,,,a comment %1*"));
     EXPECT_EQ(datagram::fnVerifySXX(bytes, datagram::datagramFields(bytes)), 0);
+    unsigned sum = 0;
+    for (int i = 1; i < bytes.indexOf('*'); ++i)
+        sum ^= static_cast<unsigned char>(bytes[i]);
+    EXPECT_EQ(bytes.mid(bytes.indexOf('*')), QString::asprintf("*%02X\\\r\n", sum).toLatin1());
 }
 
 TEST(SaveAction, InstrumentNamesBecomeSsp)
@@ -148,7 +152,7 @@ TEST(SaveAction, AnIllegalIdentifierIsNotAnswered)
     engine.plugin.addPendingAlert("look");
     engine.request(save, requests::join(changed(requests::datagramSave(), 2, QStringLiteral("8"))));
     ASSERT_EQ(engine.packets().size(), 1);
-    EXPECT_EQ(engine.packets().first().value(QLatin1String("whoami")).toString(),
+    EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("whoami")).toString(),
               QLatin1String("SVPAlert"));
 }
 
@@ -249,6 +253,34 @@ TEST(SaveAction, AMissingFolderElsewhereIsAnError)
     EXPECT_EQ(savedName(engine, save, requests::datagramSave()),
               elsewhere + QStringLiteral("/cast.ssp"));
     EXPECT_TRUE(engine.plugin.lastErrorText().isEmpty());
+}
+
+TEST(SaveAction, AReadOnlyFolderIsAnError)
+{
+    Engine engine;
+    savedName(engine, save, requests::datagramSave());
+    savedName(engine, saveAs, requests::asvpSave());
+    const QByteArray folder = QFile::encodeName(engine.folder.profile(QString()));
+    const bool isAdministrator = geteuid() == 0;
+    if (isAdministrator) {
+        if (mount(folder.constData(), folder.constData(), nullptr, MS_BIND, nullptr) != 0 ||
+            mount(nullptr, folder.constData(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY,
+                  nullptr) != 0)
+            GTEST_SKIP() << "this machine allows no mounts";
+    } else {
+        QFile::setPermissions(engine.folder.profile(QString()), QFile::ReadOwner | QFile::ExeOwner);
+    }
+    const QStringList before = filesOf(engine, QStringLiteral("*"));
+    EXPECT_EQ(outcome(engine.request(save, requests::join(requests::datagramSave()))),
+              QLatin1String("Error saving file."));
+    EXPECT_EQ(outcome(engine.request(saveAs, requests::join(requests::asvpSave()))),
+              QLatin1String("Error writing file."));
+    EXPECT_EQ(filesOf(engine, QStringLiteral("*")), before);
+    if (isAdministrator)
+        umount(folder.constData());
+    else
+        QFile::setPermissions(engine.folder.profile(QString()),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 TEST(SaveAction, AFullDiskLosesNothing)

@@ -116,7 +116,7 @@ TEST(SendAction, DecimalsFollowTheFilesThatWereOpened)
     Engine engine;
     const auto firstRow = [&] {
         reply(engine, requests::fullSend());
-        return receiver.next().split('\n').first().mid(33);
+        return receiver.next().split('\n').constFirst().mid(33);
     };
     EXPECT_EQ(firstRow(), "0.00,1500.00,,,\r");
     const auto open = [&engine](const QByteArray& content) {
@@ -149,6 +149,15 @@ TEST(SendAction, RefusalsStandInTheirOrder)
         QString reason;
     } const cases[] = {
         {{}, invalid},
+        {brief + full.mid(0, 9), invalid},
+        // With its empty pieces dropped it would look like the short form.
+        {{QStringLiteral("0"), QStringLiteral("f"), QStringLiteral("1500,1490,9999;5,12000,3"),
+          QStringLiteral("0,12000"), QString(), QString(), QStringLiteral("20261115123456"),
+          QString(), QString(), QString(), QString(), QString(), QString(), QString(),
+          QStringLiteral("3"), QStringLiteral("c")},
+         faulty},
+        {changed(changed(brief, 2, QStringLiteral("0,12000")), 3, QStringLiteral("1500")), faulty},
+        {changed(changed(brief, 3, QStringLiteral("0,12000")), 2, QStringLiteral("1500")), faulty},
         {full.mid(0, 8), invalid},
         {full.mid(0, 15), invalid},
         {full + QStringList{QStringLiteral("more")}, invalid},
@@ -197,14 +206,13 @@ TEST(SendAction, AnIllegalIdentifierIsNotAnswered)
     engine.plugin.addPendingAlert("look");
     engine.request(action, requests::join(changed(requests::fullSend(), 0, QStringLiteral("8"))));
     ASSERT_EQ(engine.packets().size(), 1);
-    EXPECT_EQ(engine.packets().first().value(QLatin1String("whoami")).toString(),
+    EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("whoami")).toString(),
               QLatin1String("SVPAlert"));
 }
 
 TEST(SendAction, TooLargeADatagramIsLogged)
 {
     Engine engine;
-    testlog::expectWarning(QStringLiteral("not sent"));
     QStringList depths;
     QStringList speeds;
     for (int i = 0; i < 20000; ++i) {
@@ -217,6 +225,25 @@ TEST(SendAction, TooLargeADatagramIsLogged)
     // The failure is not told to the front end: nothing on this way is ever confirmed.
     EXPECT_EQ(reply(engine, changed(pieces, 14, QStringLiteral("20000"))),
               QLatin1String("SUCCESS"));
+    EXPECT_EQ(testlog::lines().filter(QStringLiteral("bytes not sent:")).size(), 1);
+}
+
+TEST(SendAction, SurplusSpeedsDoNotCount)
+{
+    // Two samples may be sent, but not saved.
+    Receiver receiver;
+    ASSERT_TRUE(receiver.isBound());
+    Engine engine;
+    const QString lists = QStringLiteral("1500,1510,1550;0,12000;0;0;0;0;0");
+    EXPECT_EQ(
+        reply(engine, changed(changed(requests::fullSend(), 2, lists), 14, QStringLiteral("2"))),
+        QLatin1String("SUCCESS"));
+    EXPECT_TRUE(receiver.next().contains("2026,0.00,1500.00,,,\r\n12000.00,1510.00,,,\r\n3330."));
+    EXPECT_EQ(
+        outcome(engine.request(QStringLiteral("SVP_Save"),
+                               requests::join(changed(changed(requests::datagramSave(), 0, lists),
+                                                      13, QStringLiteral("2"))))),
+        QLatin1String("Sample count mismatch or too small."));
 }
 
 TEST(SendAction, ManySendsLeaveTheSystemItsSockets)

@@ -269,7 +269,8 @@ TEST(CDataFile, DiagnosticsCarryTheirLevel)
 
 TEST(CDataFile, HostileTextsAreRead)
 {
-    loaded(std::string("\0\0[\0]\0=\0\n", 10));
+    const std::string zero(1, '\0');
+    loaded(zero + zero + '[' + zero + ']' + zero + '=' + zero + '\n');
     loaded("[\n]\n=\n:\n;\n#");
     loaded(std::string(1000000, '['));
     std::string many;

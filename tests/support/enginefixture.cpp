@@ -23,7 +23,8 @@ QJsonObject Engine::request(const QString& action, const QString& body)
 QVector<QJsonObject> Engine::packets() const
 {
     QVector<QJsonObject> objects;
-    for (const QByteArray& json : rawPackets())
+    const QList<QByteArray> texts = rawPackets();
+    for (const QByteArray& json : texts)
         objects.append(QJsonDocument::fromJson(json).object());
     return objects;
 }
