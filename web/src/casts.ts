@@ -36,6 +36,7 @@ export async function fetchCasts(): Promise<CastFolder> {
 
 export class CastList {
   private current = "";
+  private names: readonly string[] = [];
 
   constructor(
     private readonly list: HTMLElement,
@@ -47,6 +48,7 @@ export class CastList {
 
   show({ folder, casts }: CastFolder): void {
     const focused = document.activeElement?.closest<HTMLElement>("[data-name]")?.dataset["name"];
+    this.names = casts.map(({ name }) => name);
     this.list.replaceChildren(...casts.map((cast) => this.item(cast)));
     const count = casts.length === 0 ? "No" : formatCount(casts.length);
     this.summary.textContent = `${count} ${casts.length === 1 ? "cast" : "casts"} in`;
@@ -57,6 +59,16 @@ export class CastList {
     this.summary.append(" ", place);
     this.mark(this.current);
     if (focused !== undefined) this.button(focused)?.focus();
+  }
+
+  /// The listed name of the file that `name` means, or "". Case is ignored, as some file systems
+  /// do.
+  listed(name: string): string {
+    return (
+      this.names.find((each) => each === name) ??
+      this.names.find((each) => each.toLowerCase() === name.toLowerCase()) ??
+      ""
+    );
   }
 
   /// Marks the cast that is open; "" for none.

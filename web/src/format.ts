@@ -58,13 +58,32 @@ export function formatClock(moment: Date): string {
 export function formatHeaderTime(value: string | number | undefined): string {
   const text = String(value ?? "").trim();
   if (isAbsent(text) || text === "0") return "";
+  const moment = headerMoment(text);
+  return moment ? formatMoment(moment) : text;
+}
+
+/// The moment that a header time means, or null when it gives none or cannot be read.
+export function headerMoment(value: string | number | undefined): Date | null {
+  const text = String(value ?? "").trim();
+  if (isAbsent(text) || text === "0") return null;
   if (/^\d{12}(\d\d)?$/.test(text)) {
     const moment = momentOfDigits(text);
-    if (moment) return formatMoment(moment);
+    if (moment) return moment;
   }
   // Milliseconds of any year up to 2286; what has more digits was meant as a date and is none.
-  if (/^-?\d{1,13}$/.test(text)) return formatMoment(new Date(Number(text)));
-  return text;
+  return /^-?\d{1,13}$/.test(text) ? new Date(Number(text)) : null;
+}
+
+/// The moment that a user has typed, in UTC, or null: "2026-11-15 12:34:56", its seconds and marks
+/// left out or not.
+export function typedMoment(text: string): Date | null {
+  const parts = /^(\d{4})-?(\d\d)-?(\d\d)[ T]*(\d\d):?(\d\d)(?::?(\d\d))?\s*(?:UTC|Z)?$/i.exec(text.trim());
+  return parts ? momentOfDigits(parts.slice(1).map((part) => part ?? "00").join("")) : null;
+}
+
+/// A moment as the fourteen digits yyyyMMddHHmmss, in UTC.
+export function timeDigits(moment: Date): string {
+  return moment.toISOString().replace(/\D/g, "").slice(0, 14);
 }
 
 function momentOfDigits(digits: string): Date | null {

@@ -5,7 +5,18 @@ import { Connection, type ConnectionState } from "./connection";
 import { byId } from "./dom";
 import { Engine } from "./engine";
 import { formatClock } from "./format";
+import { Menu } from "./menu";
 import { Messages } from "./messages";
+import { Outbox } from "./outbox";
+import {
+  CHECK_REFUSAL,
+  failedText,
+  handedOnText,
+  savedText,
+  sentText,
+  workText,
+} from "./outbox-words";
+import { Output } from "./output";
 import { sameFile, sameProfile, type Profile } from "./profile";
 import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
@@ -36,11 +47,53 @@ const engine = new Engine(connection, {
   waiting: showWaiting,
 });
 
+const outbox = new Outbox(connection, {
+  sent: (job, svptype) => messages.add({ kind: "notice", text: sentText(job, svptype) }),
+  saved: (job, path) => {
+    messages.add({ kind: "notice", text: savedText(job, path) });
+    void refresh();
+  },
+  handedOn: (job, words) => messages.add({ kind: "notice", text: handedOnText(job, words) }),
+  failed: (job, reason) =>
+    messages.add({
+      kind: "failure",
+      text: failedText(job, reason),
+      ...(reason === CHECK_REFUSAL ? { action: { label: "Check", run: check } } : {}),
+    }),
+  savedElsewhere: () => void refresh(),
+  waiting: showWaiting,
+});
+const output = new Output(outbox, () => castView.open, async (name) => {
+  await refresh();
+  return castList.listed(name);
+});
+const sendButton = byId<HTMLButtonElement>("send");
+const sendMenu = new Menu(sendButton, [
+  {
+    label: "Survey system",
+    detail: "As a datagram, to UDP port 14002 of the host’s machine",
+    run: () => void output.send(),
+  },
+  { label: "Receiver", detail: "Depth and sound speed, to the RVT300", run: () => void output.toReceiver() },
+  { label: "Distribute", detail: "Depth and sound speed, to all that take them", run: () => void output.distribute() },
+]);
+const saveButton = byId<HTMLButtonElement>("save");
+const saveMenu = new Menu(saveButton, [
+  { label: "Save", detail: "As .asvp, under the cast’s own name", run: () => void output.save() },
+  { label: "Save as…", detail: "As .asvp, under another name", run: () => void output.saveAs() },
+  {
+    label: "Save as datagram file…",
+    detail: "As .ssp, with all that the datagram carries",
+    run: () => void output.saveDatagram(),
+  },
+]);
+
 function show(profile: Profile): void {
   engine.forgetCheck();
   castView.show(profile);
   castList.mark(profile.filename);
   document.body.classList.add("has-cast");
+  showWaiting();
 }
 
 /// A profile that another page, or the survey system, had opened: offered, never forced over the
@@ -64,7 +117,10 @@ function showWaiting(): void {
   byId("plot").setAttribute("aria-busy", String(opening !== ""));
   checkButton.disabled = checking || !castView.open || castView.open.count === 0;
   checkButton.textContent = checking ? "Checking…" : "Check";
-  byId("opening").textContent = opening ? `Opening ${opening}…` : "";
+  byId("doing").textContent = opening ? `Opening ${opening}…` : workText(outbox.current);
+  const isOpen = castView.open !== null && castView.open.count > 0;
+  sendButton.disabled = !isOpen;
+  saveButton.disabled = !isOpen;
 }
 
 function check(): void {
@@ -128,6 +184,8 @@ const shortcuts: Shortcut[] = [
   { key: "F", text: "Zoom to the valid levels", run: () => castView.fit() },
   { key: "+ −", text: "In the plot: zoom in and out around the selected level" },
   { key: "0", text: "Show all levels", run: () => castView.reset() },
+  { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => sendMenu.open() },
+  { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },
   { key: "R", text: "Read the list of casts again", run: () => void refresh() },
   { key: "T", text: "Switch between dark and light", run: () => theme.toggle() },
   { key: "?", text: "This help", run: () => help.showModal() },
@@ -137,7 +195,10 @@ checkButton.addEventListener("click", check);
 byId("refresh").addEventListener("click", () => void refresh());
 byId("help-open").addEventListener("click", () => help.showModal());
 explainShortcuts(byId("help-keys"), shortcuts);
-listenForShortcuts(shortcuts, help);
+listenForShortcuts(shortcuts);
 connection.onState(showConnection);
-setInterval(() => engine.expire(), EXPIRE_EVERY_MS);
+setInterval(() => {
+  engine.expire();
+  outbox.expire();
+}, EXPIRE_EVERY_MS);
 connection.start();

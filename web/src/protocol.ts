@@ -1,5 +1,5 @@
 /// The words that the page and the engine share, spelled once: actions, reply keys, and the text
-/// forms of requests. Nothing else in the page writes or reads wire text.
+/// forms of requests. Only protocol-output.ts, for what leaves the editor, writes wire text too.
 
 /// Name under which the engine takes messages and to which its packets are addressed.
 export const ENGINE = "SVP_WebInterface";
@@ -12,6 +12,12 @@ export const Action = {
   ready: "SVPReadyConnected",
   open: "SVP_OpenSVP",
   check: "CheckProfile",
+  send: "SendSVPtoQRV",
+  /// Also the name under which "save as" is answered.
+  save: "SVP_Save",
+  saveAs: "SVP_SaveAs",
+  receiver: "RVT300",
+  distribute: "Distribute",
   alert: "SVPAlert",
 } as const;
 export type Action = (typeof Action)[keyof typeof Action];
@@ -65,6 +71,11 @@ export interface Packet extends Header, Partial<Record<ListKey, unknown>> {
   svpY?: unknown;
   /// Check: the verdict, its lines separated by line feeds.
   tofix?: string;
+  /// Send: the file's name as it was sent, and "S" with the datagram's content identifier.
+  file?: string;
+  svptype?: string;
+  /// Save: full path of the file written.
+  fullname?: string;
 }
 
 /// Values of one profile as the request block wants them.
@@ -108,10 +119,8 @@ export function openBody(name: string): string | null {
 /// pieces and removes brackets, and would then count or read the others wrongly.
 export function profileBody(block: ProfileBlock): string {
   const { lists, header } = block;
-  const count = lists.svp_Depth.length;
-  const values = LIST_KEYS.map((key) => valueList(lists[key], count)).join(";");
   const pieces = [
-    values,
+    valueLists(lists),
     textPiece(block.filename),
     textPiece(header.hsvp_filetype),
     numberPiece(header.hsvp_fileversion),
@@ -142,26 +151,34 @@ export function shortestDecimal(value: number): string {
   return String(Number(value.toPrecision(9)));
 }
 
-/// `count` values separated by commas; what is missing or not finite goes out as 0.
-function valueList(values: readonly number[], count: number): string {
-  const items = new Array<string>(count);
-  for (let i = 0; i < count; ++i) {
-    const value = values[i];
-    items[i] = value !== undefined && Number.isFinite(value) ? shortestDecimal(value) : "0";
-  }
-  return items.join(",");
+/// The seven lists of a profile as one piece.
+export function valueLists(lists: ProfileBlock["lists"]): string {
+  const count = lists.svp_Depth.length;
+  return LIST_KEYS.map((key) => valueList(lists[key], count)).join(";");
 }
 
-function textPiece(value: string | number | undefined): string {
+/// One value of a list; what is missing or not finite goes out as 0.
+export function valueItem(value: number | undefined): string {
+  return value !== undefined && Number.isFinite(value) ? shortestDecimal(value) : "0";
+}
+
+function valueList(values: readonly number[], count: number): string {
+  return Array.from({ length: count }, (_, i) => valueItem(values[i])).join(",");
+}
+
+/// A text as a piece; "NA" when it is missing.
+export function textPiece(value: string | number | undefined): string {
   return cleanPiece(value) || "NA";
 }
 
-function numberPiece(value: string | number | undefined): string {
+/// A number as a piece; "0" when it is missing.
+export function numberPiece(value: string | number | undefined): string {
   if (typeof value === "number" && !Number.isFinite(value)) return "0";
   return cleanPiece(value) || "0";
 }
 
-function cleanPiece(value: string | number | undefined): string {
+/// A value without what would break a block: its own marks, and control characters.
+export function cleanPiece(value: string | number | undefined): string {
   return String(value ?? "")
     .replace(/[*[\]]/g, "_")
     .replace(/[\u0000-\u001f\u007f]+/g, " ")

@@ -31,6 +31,11 @@ export class PendingRequests<Subject> {
   /// one cast, and the last one asked for is the one that the user is waiting for.
   begin(action: Action, key: string, subject: Subject, sent: boolean, now: number): void {
     this.giveUp(action);
+    this.queue(action, key, subject, sent, now);
+  }
+
+  /// Notes a new request beside earlier ones of the same action, all of which stay wanted.
+  queue(action: Action, key: string, subject: Subject, sent: boolean, now: number): void {
     this.requests.push({ action, key, subject, wanted: true, failed: false, sent, since: now });
   }
 
@@ -47,12 +52,15 @@ export class PendingRequests<Subject> {
   }
 
   /// Takes the oldest request that a successful answer fits off the list. Answers come in the
-  /// order of the requests, so an answer that fits several is the answer to the oldest.
+  /// order of the requests, so an answer that fits several is the answer to the oldest. One that
+  /// has failed comes last: the user has most likely tried again since. `fits` is not called again
+  /// once it has said yes.
   succeeded(action: Action, fits: (request: PendingRequest<Subject>) => boolean): Standing {
-    const index = this.requests.findIndex((request) => request.action === action && fits(request));
-    if (index < 0) return "foreign";
-    const [request] = this.requests.splice(index, 1);
-    return request?.wanted ? "mine" : "stale";
+    const ofAction = this.requests.filter((request) => request.action === action);
+    const request = ofAction.find((r) => !r.failed && fits(r)) ?? ofAction.find(fits);
+    if (!request) return "foreign";
+    this.requests.splice(this.requests.indexOf(request), 1);
+    return request.wanted ? "mine" : "stale";
   }
 
   /// Takes a failure. It does not say what failed, so it goes to the oldest request that has no

@@ -1,4 +1,5 @@
 /// Keys that work anywhere on the page. One table serves both the keys and the help.
+import { isAsking } from "./dialog";
 import { make } from "./dom";
 
 export interface Shortcut {
@@ -8,10 +9,10 @@ export interface Shortcut {
   run?: () => void;
 }
 
-export function listenForShortcuts(shortcuts: readonly Shortcut[], dialog: HTMLDialogElement): void {
+export function listenForShortcuts(shortcuts: readonly Shortcut[]): void {
   document.addEventListener("keydown", (event) => {
     if (event.defaultPrevented || event.ctrlKey || event.altKey || event.metaKey) return;
-    if (dialog.open) return;
+    if (isAsking()) return;
     const pressed = event.key.toLowerCase();
     const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase() === pressed);
     if (!shortcut?.run) return;

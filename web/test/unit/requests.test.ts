@@ -44,6 +44,27 @@ test("a failure goes to the oldest request, and a success after it still counts"
   assert.equal(opened(pending, "a"), "mine");
 });
 
+test("after a failure, the answer to a second try is taken for that try", () => {
+  const pending = new PendingRequests<null>();
+  open(pending, "a");
+  pending.failed(Action.open);
+  open(pending, "a");
+  assert.equal(opened(pending, "a"), "mine");
+  assert.equal(pending.waiting(Action.open), undefined);
+});
+
+test("queued requests all stay wanted, and are answered in their order", () => {
+  const pending = new PendingRequests<number>();
+  pending.queue(Action.save, "a", 1, true, 0);
+  pending.queue(Action.save, "b", 2, true, 0);
+  pending.queue(Action.save, "a", 3, true, 0);
+  assert.equal(pending.waiting(Action.save)?.subject, 1);
+  assert.deepEqual(pending.failed(Action.save), { standing: "mine", key: "a" });
+  assert.equal(pending.waiting(Action.save)?.subject, 2);
+  assert.equal(pending.succeeded(Action.save, ({ key }) => key === "b"), "mine");
+  assert.equal(pending.waiting(Action.save)?.subject, 3);
+});
+
 test("actions do not answer for each other", () => {
   const pending = new PendingRequests<null>();
   open(pending, "a");

@@ -1,0 +1,31 @@
+/// Names of the files that the page has written.
+
+export type Suffix = ".asvp" | ".ssp";
+
+/// Bytes of a file name that every file system takes, a backup's date and time included.
+const LONGEST = 200;
+
+/// A name for saving a cast, made from that of its file.
+export function proposedName(filename: string, suffix: Suffix): string {
+  const base = filename.slice(Math.max(filename.lastIndexOf("/"), filename.lastIndexOf("\\")) + 1);
+  const stem = base.replace(/\.[^.]*$/, "") || "cast";
+  return finalName(stem.replace(/[*[\]:\u0000-\u001f\u007f]/g, "_"), suffix);
+}
+
+/// The name under which the engine will write a file that the user has called `name`.
+export function finalName(name: string, suffix: Suffix): string {
+  const stem = name.trim().replace(suffix === ".asvp" ? /\.asvp$/i : /\.ssp$/i, "");
+  // The engine takes these for the suffix of a probe's file, wherever they stand.
+  const plain = suffix === ".ssp" ? stem.replace(/\.(?=vp2|aml)/g, "_") : stem;
+  return plain + suffix;
+}
+
+/// What is wrong with a name, as a sentence for the user; "" when nothing is.
+export function nameFault(name: string): string {
+  if (name === "" || /^\.(asvp|ssp)$/i.test(name)) return "Give the file a name.";
+  if (/[/\\:]/.test(name)) return "A name only, without a folder: no slash, backslash or colon.";
+  if (/[*[\]\u0000-\u001f\u007f]/.test(name)) return "No star and no square brackets in the name.";
+  if (name.startsWith(".")) return "A name that begins with a full stop would not be listed.";
+  if (new TextEncoder().encode(name).length > LONGEST) return "The name is too long.";
+  return "";
+}

@@ -1,0 +1,107 @@
+/// A button that opens a short menu under itself.
+import { make } from "./dom";
+
+export interface MenuItem {
+  label: string;
+  /// What it does, said in small under the label.
+  detail: string;
+  run: () => void;
+}
+
+export class Menu {
+  private readonly list = make("div", "menu");
+  private readonly entries: HTMLButtonElement[];
+
+  /// `opener` stands in the page already; the menu is put behind it.
+  constructor(
+    private readonly opener: HTMLButtonElement,
+    items: readonly MenuItem[],
+  ) {
+    const { list } = this;
+    list.id = `${opener.id}-menu`;
+    list.hidden = true;
+    list.setAttribute("role", "menu");
+    list.setAttribute("aria-labelledby", opener.id);
+    opener.setAttribute("aria-haspopup", "menu");
+    opener.setAttribute("aria-controls", list.id);
+    opener.setAttribute("aria-expanded", "false");
+    this.entries = items.map((item) => this.entry(item));
+    list.append(...this.entries);
+    opener.after(list);
+
+    opener.addEventListener("click", () => (this.isOpen ? this.close() : this.open()));
+    opener.addEventListener("keydown", (event) => {
+      if (event.key !== "ArrowDown" || this.isOpen) return;
+      event.preventDefault();
+      this.open();
+    });
+    list.addEventListener("keydown", (event) => this.key(event));
+    document.addEventListener("pointerdown", ({ target }) => {
+      if (target instanceof Node && !list.contains(target) && !opener.contains(target)) this.shut();
+    });
+    list.addEventListener("focusout", ({ relatedTarget }) => {
+      if (relatedTarget instanceof Node && relatedTarget !== opener && !list.contains(relatedTarget)) {
+        this.shut();
+      }
+    });
+  }
+
+  /// Opens the menu with its first entry in focus, unless its button is disabled.
+  open(): void {
+    if (this.opener.disabled) return;
+    this.list.hidden = false;
+    this.opener.setAttribute("aria-expanded", "true");
+    this.entries[0]?.focus();
+  }
+
+  private get isOpen(): boolean {
+    return !this.list.hidden;
+  }
+
+  private close(): void {
+    this.shut();
+    this.opener.focus();
+  }
+
+  private shut(): void {
+    this.list.hidden = true;
+    this.opener.setAttribute("aria-expanded", "false");
+  }
+
+  private entry({ label, detail, run }: MenuItem): HTMLButtonElement {
+    const name = make("span", "menu-label", label);
+    const more = make("span", "menu-detail", detail);
+    const entry = make("button", "", name, more);
+    entry.type = "button";
+    entry.tabIndex = -1;
+    entry.setAttribute("role", "menuitem");
+    // The detail is a description, not a part of the name.
+    more.id = `${this.list.id}-${label.replace(/\W+/g, "-").toLowerCase()}`;
+    entry.setAttribute("aria-label", label);
+    entry.setAttribute("aria-describedby", more.id);
+    entry.addEventListener("click", () => {
+      this.close();
+      run();
+    });
+    return entry;
+  }
+
+  private key(event: KeyboardEvent): void {
+    const { entries } = this;
+    const at = entries.indexOf(document.activeElement as HTMLButtonElement);
+    const last = entries.length - 1;
+    const to = {
+      ArrowDown: at === last ? 0 : at + 1,
+      ArrowUp: at <= 0 ? last : at - 1,
+      Home: 0,
+      End: last,
+    }[event.key];
+    // Keys of the page rest while the menu is open.
+    event.stopPropagation();
+    if (event.key === "Escape") this.close();
+    else if (event.key === "Tab") return this.close();
+    else if (to !== undefined) entries[to]?.focus();
+    else return;
+    event.preventDefault();
+  }
+}
