@@ -105,8 +105,9 @@ TEST(SaveOtherFile, ALongNameIsKeptToo)
             EXPECT_EQ(saveOtherFile(path, content, true, error), platform::Replaced::Whole)
                 << length;
         QStringList kept;
-        for (const QFileInfo& file :
-             QDir(folder.path(QString())).entryInfoList({QStringLiteral("*_bck_*")}, QDir::Files)) {
+        const QFileInfoList files =
+            QDir(folder.path(QString())).entryInfoList({QStringLiteral("*_bck_*")}, QDir::Files);
+        for (const QFileInfo& file : files) {
             kept.append(QString::fromLatin1(bytesOf(file.filePath())));
             QFile::remove(file.filePath());
         }
