@@ -1,8 +1,7 @@
 #include "datagram/sendrequest.h"
 
+#include "datagram/position.h"
 #include "datagram/sspdatagram.h"
-
-#include <cmath>
 
 namespace datagram {
 
@@ -10,12 +9,6 @@ namespace {
 
 constexpr QLatin1Char zero('0');
 constexpr QLatin1Char comma(',');
-
-double degreesOf(const QString& text)
-{
-    const double degrees = text.toDouble();
-    return std::isfinite(degrees) ? degrees : 0.0;
-}
 
 } // namespace
 
@@ -33,16 +26,9 @@ ShortSend parseShortSend(const QVector<QStringRef>& pieces, bool speedsFirst)
 
 QString shortPositionText(const QString& degrees)
 {
-    const double size = std::abs(degreesOf(degrees));
-    double whole = std::floor(size);
-    // Rounded first, so that no position reads as 60 minutes.
-    double minutes = std::round((size - whole) * 60.0 * 1e5) / 1e5;
-    if (minutes >= 60.0) {
-        minutes = 0.0;
-        whole += 1.0;
-    }
-    return QString::number(whole, 'f', 0).rightJustified(2, zero) +
-           QString::number(minutes, 'f', 5).rightJustified(8, zero);
+    const DegreesMinutes split = splitDegrees(degrees, 5);
+    return QString::number(split.degrees, 'f', 0).rightJustified(2, zero) +
+           QString::number(split.minutes, 'f', 5).rightJustified(8, zero);
 }
 
 QByteArray shortDatagram(const ShortSend& request)

@@ -1,9 +1,9 @@
 #include "datagram/sspdatagram.h"
 
+#include "datagram/position.h"
 #include "settings/numbers.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <string_view>
 
@@ -14,12 +14,6 @@ namespace {
 // Beyond this a 32-bit float has no digits to show; a file that holds a number with a million
 // decimals must not make each row as long.
 constexpr int mostDecimals = 20;
-
-double finiteNumber(const QString& text)
-{
-    const double number = text.toDouble();
-    return std::isfinite(number) ? number : 0.0;
-}
 
 QByteArray withoutMinus(const QString& text)
 {
@@ -111,8 +105,8 @@ QByteArray fnConstrSspBody(int samples, int identifier, const Columns& columns,
 QByteArray fnConstrSspTail(const QString& latitude, const QString& longitude,
                            const QString& comment)
 {
-    return withoutMinus(latitude) + (finiteNumber(latitude) < 0.0 ? ",S," : ",N,") +
-           withoutMinus(longitude) + (finiteNumber(longitude) < 0.0 ? ",W,,," : ",E,,,") +
+    return withoutMinus(latitude) + (degreesOf(latitude) < 0.0 ? ",S," : ",N,") +
+           withoutMinus(longitude) + (degreesOf(longitude) < 0.0 ? ",W,,," : ",E,,,") +
            comment.toUtf8() + '*';
 }
 
@@ -132,17 +126,9 @@ QByteArray sealed(const QByteArray& text)
 
 QString degreesMinutesText(const QString& degrees)
 {
-    const double value = finiteNumber(degrees);
-    const double size = std::abs(value);
-    double whole = std::floor(size);
-    // Rounded before they are joined, so that no position reads as 60 minutes.
-    double minutes = std::round((size - whole) * 60.0 * 1e6) / 1e6;
-    if (minutes >= 60.0) {
-        minutes = 0.0;
-        whole += 1.0;
-    }
-    const QString text = QString::number(whole * 100.0 + minutes, 'f', 6);
-    return value < 0.0 ? QLatin1Char('-') + text : text;
+    const DegreesMinutes split = splitDegrees(degrees, 6);
+    const QString text = QString::number(split.degrees * 100.0 + split.minutes, 'f', 6);
+    return split.isNegative ? QLatin1Char('-') + text : text;
 }
 
 BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& decimals)

@@ -17,12 +17,6 @@ namespace {
 const QString save = QStringLiteral("SVP_Save");
 const QString saveAs = QStringLiteral("SVP_SaveAs");
 
-QStringList changed(QStringList pieces, int place, const QString& text)
-{
-    pieces[place] = text;
-    return pieces;
-}
-
 QString savedName(Engine& engine, const QString& action, const QStringList& pieces)
 {
     const QJsonObject reply = engine.request(action, requests::join(pieces));
@@ -61,9 +55,9 @@ TEST(SaveAction, InstrumentNamesBecomeSsp)
     for (const char* name : {"a.vp2", "b.aml", "c.ssp", "sub/d.vp2"}) {
         QString expected = engine.folder.profile(QLatin1String(name));
         expected.replace(expected.size() - 3, 3, QStringLiteral("ssp"));
-        EXPECT_EQ(
-            savedName(engine, save, changed(requests::datagramSave(), 1, QLatin1String(name))),
-            expected);
+        EXPECT_EQ(savedName(engine, save,
+                            requests::changed(requests::datagramSave(), 1, QLatin1String(name))),
+                  expected);
         EXPECT_TRUE(QFile::exists(expected));
     }
 }
@@ -72,7 +66,8 @@ TEST(SaveAction, ADatagramKeepsWhatItReplaces)
 {
     Engine engine;
     for (int i = 1; i <= 3; ++i)
-        savedName(engine, save, changed(requests::datagramSave(), 14, QString::number(i)));
+        savedName(engine, save,
+                  requests::changed(requests::datagramSave(), 14, QString::number(i)));
     EXPECT_EQ(filesOf(engine, QStringLiteral("cast*")).size(), 3);
     EXPECT_EQ(filesOf(engine, QStringLiteral("cast_bck_*.ssp")).size(), 2);
     EXPECT_TRUE(bytesOf(engine.folder.profile(QStringLiteral("cast.ssp"))).contains(",,,3*"));
@@ -84,8 +79,8 @@ TEST(SaveAction, EveryIdentifierWithRowsIsWritten)
     for (int number = 0; number < 60; ++number) {
         const QString text = QString::number(number).rightJustified(2, QLatin1Char('0'));
         const datagram::ContentIdentifier entry = datagram::contentIdentifier(number);
-        const QJsonObject reply =
-            engine.request(save, requests::join(changed(requests::datagramSave(), 2, text)));
+        const QJsonObject reply = engine.request(
+            save, requests::join(requests::changed(requests::datagramSave(), 2, text)));
         if (!entry.isLegal) {
             EXPECT_TRUE(engine.packets().isEmpty()) << number;
         } else if (entry.first == datagram::FirstColumn::NoRows) {
@@ -116,20 +111,27 @@ TEST(SaveAction, DatagramRefusalsStandInTheirOrder)
          QStringLiteral("Wrong number of input parameters.")},
         {good.mid(0, 14), QStringLiteral("Wrong number of input parameters.")},
         {{}, QStringLiteral("Wrong number of input parameters.")},
-        {changed(good, 0, lists("1500,1550", "0,12000")), QStringLiteral("Wrong svp input.")},
-        {changed(good, 0, lists("1500,1550,1500", "0,12000")),
+        {requests::changed(good, 0, lists("1500,1550", "0,12000")),
+         QStringLiteral("Wrong svp input.")},
+        {requests::changed(good, 0, lists("1500,1550,1500", "0,12000")),
          QStringLiteral("Sample count mismatch or too small.")},
-        {changed(good, 0, lists("1500,1500,1550", "0,1,2,3")),
+        {requests::changed(good, 0, lists("1500,1500,1550", "0,1,2,3")),
          QStringLiteral("Sample count mismatch or too small.")},
-        {changed(good, 0, QString()), QStringLiteral("Wrong svp input.")},
-        {changed(good, 13, QStringLiteral("4")), QStringLiteral("Stated sample count mismatch.")},
-        {changed(good, 2, QStringLiteral("13")), QStringLiteral("No samples extracted.")},
-        {changed(good, 1, QStringLiteral("folder.ssp")), QStringLiteral("Error saving file.")},
-        {changed(good, 1, QStringLiteral("../x.ssp")), QStringLiteral("Error saving file.")},
-        {changed(good, 1, QStringLiteral("/tmp/x.ssp")), QStringLiteral("Error saving file.")},
-        {changed(good, 1, QStringLiteral("C:\\x.ssp")), QStringLiteral("Error saving file.")},
-        {changed(good, 1, QString()), QStringLiteral("Error saving file.")},
-        {changed(good, 1, QStringLiteral("x\n") + QChar(0)), QStringLiteral("Error saving file.")},
+        {requests::changed(good, 0, QString()), QStringLiteral("Wrong svp input.")},
+        {requests::changed(good, 13, QStringLiteral("4")),
+         QStringLiteral("Stated sample count mismatch.")},
+        {requests::changed(good, 2, QStringLiteral("13")), QStringLiteral("No samples extracted.")},
+        {requests::changed(good, 1, QStringLiteral("folder.ssp")),
+         QStringLiteral("Error saving file.")},
+        {requests::changed(good, 1, QStringLiteral("../x.ssp")),
+         QStringLiteral("Error saving file.")},
+        {requests::changed(good, 1, QStringLiteral("/tmp/x.ssp")),
+         QStringLiteral("Error saving file.")},
+        {requests::changed(good, 1, QStringLiteral("C:\\x.ssp")),
+         QStringLiteral("Error saving file.")},
+        {requests::changed(good, 1, QString()), QStringLiteral("Error saving file.")},
+        {requests::changed(good, 1, QStringLiteral("x\n") + QChar(0)),
+         QStringLiteral("Error saving file.")},
     };
     for (const auto& c : cases) {
         engine.plugin.addPendingAlert("look");
@@ -142,7 +144,7 @@ TEST(SaveAction, DatagramRefusalsStandInTheirOrder)
     EXPECT_TRUE(filesOf(engine, QStringLiteral("*.ssp")).isEmpty());
     // A short profile may be sent; saving does not test it.
     EXPECT_EQ(outcome(engine.request(
-                  save, requests::join(changed(good, 0, lists("1500,1550,1", "5,2,1"))))),
+                  save, requests::join(requests::changed(good, 0, lists("1500,1550,1", "5,2,1"))))),
               QLatin1String("SUCCESS"));
 }
 
@@ -150,7 +152,8 @@ TEST(SaveAction, AnIllegalIdentifierIsNotAnswered)
 {
     Engine engine;
     engine.plugin.addPendingAlert("look");
-    engine.request(save, requests::join(changed(requests::datagramSave(), 2, QStringLiteral("8"))));
+    engine.request(
+        save, requests::join(requests::changed(requests::datagramSave(), 2, QStringLiteral("8"))));
     ASSERT_EQ(engine.packets().size(), 1);
     EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("whoami")).toString(),
               QLatin1String("SVPAlert"));
@@ -171,11 +174,11 @@ TEST(SaveAction, AsvpFilesAreWrittenByBothActions)
             << "an older file is replaced";
     }
     Engine engine;
-    savedName(engine, saveAs, changed(requests::asvpSave(), 2, QStringLiteral("01")));
+    savedName(engine, saveAs, requests::changed(requests::asvpSave(), 2, QStringLiteral("01")));
     EXPECT_TRUE(
         bytesOf(engine.folder.profile(QStringLiteral("cast.asvp"))).startsWith("( 01 1.0 7 "));
     savedName(engine, save,
-              changed(requests::asvpSave(), 2, QStringLiteral("My SoundVelocity kind")));
+              requests::changed(requests::asvpSave(), 2, QStringLiteral("My SoundVelocity kind")));
     EXPECT_TRUE(bytesOf(engine.folder.profile(QStringLiteral("cast.asvp")))
                     .startsWith("( My_SoundVelocity_kind 1.0 7 "));
 }
@@ -191,12 +194,15 @@ TEST(SaveAction, AsvpRefusalsStandInTheirOrder)
         QString reason;
     } const cases[] = {
         {good.mid(0, 14), QStringLiteral("Wrong number of input parameters.")},
-        {changed(good, 0, QStringLiteral("0,1500,1,1500")), QStringLiteral("Wrong svp input.")},
-        {changed(good, 0, QStringLiteral("0,1500,1,1500,2")), QStringLiteral("Wrong svp input.")},
-        {changed(good, 0, QStringLiteral("0,1500,1,1500,2,1500,3")),
+        {requests::changed(good, 0, QStringLiteral("0,1500,1,1500")),
          QStringLiteral("Wrong svp input.")},
-        {changed(good, 1, QStringLiteral("folder.asvp")), QStringLiteral("Error writing file.")},
-        {changed(good, 1, QStringLiteral("../x")), QStringLiteral("Error writing file.")},
+        {requests::changed(good, 0, QStringLiteral("0,1500,1,1500,2")),
+         QStringLiteral("Wrong svp input.")},
+        {requests::changed(good, 0, QStringLiteral("0,1500,1,1500,2,1500,3")),
+         QStringLiteral("Wrong svp input.")},
+        {requests::changed(good, 1, QStringLiteral("folder.asvp")),
+         QStringLiteral("Error writing file.")},
+        {requests::changed(good, 1, QStringLiteral("../x")), QStringLiteral("Error writing file.")},
     };
     for (const auto& c : cases) {
         engine.plugin.addPendingAlert("look");
@@ -223,7 +229,8 @@ TEST(SaveAction, WhatIsSavedOpensToTheSameValues)
             }
             depth += double(random() % 5000) * 0.01 + 0.011;
         }
-        savedName(engine, saveAs, changed(requests::asvpSave(), 0, list.join(QLatin1Char(','))));
+        savedName(engine, saveAs,
+                  requests::changed(requests::asvpSave(), 0, list.join(QLatin1Char(','))));
         const QJsonObject opened =
             engine.request(QStringLiteral("SVP_OpenSVP"), QStringLiteral("[cast.asvp,asvp]"));
         const QJsonArray depths = opened.value(QLatin1String("svp_Depth")).toArray();
@@ -302,18 +309,19 @@ TEST(SaveAction, AFullDiskLosesNothing)
         speeds.append(QStringLiteral("1500"));
         pairs.append(QString::number(i) + QStringLiteral(",1500"));
     }
-    QStringList large = changed(requests::datagramSave(), 0,
-                                speeds.join(QLatin1Char(',')) + QLatin1Char(';') +
-                                    depths.join(QLatin1Char(',')) + QStringLiteral(";0;0;0;0;0"));
-    large = changed(large, 13, QStringLiteral("8000"));
+    QStringList large =
+        requests::changed(requests::datagramSave(), 0,
+                          speeds.join(QLatin1Char(',')) + QLatin1Char(';') +
+                              depths.join(QLatin1Char(',')) + QStringLiteral(";0;0;0;0;0"));
+    large = requests::changed(large, 13, QStringLiteral("8000"));
     EXPECT_EQ(outcome(engine.request(save, requests::join(large))),
               QLatin1String("Error saving file."));
     EXPECT_EQ(engine.plugin.lastErrorText(),
               QLatin1String("File data written does not match file data in memory"));
-    EXPECT_EQ(
-        outcome(engine.request(saveAs, requests::join(changed(requests::asvpSave(), 0,
-                                                              pairs.join(QLatin1Char(',')))))),
-        QLatin1String("Error writing file."));
+    EXPECT_EQ(outcome(engine.request(
+                  saveAs, requests::join(requests::changed(requests::asvpSave(), 0,
+                                                           pairs.join(QLatin1Char(',')))))),
+              QLatin1String("Error writing file."));
 
     EXPECT_EQ(bytesOf(engine.folder.profile(QStringLiteral("cast.ssp"))), datagram);
     EXPECT_EQ(bytesOf(engine.folder.profile(QStringLiteral("cast.asvp"))), asvpFile);

@@ -50,12 +50,6 @@ QString reply(Engine& engine, const QStringList& pieces)
     return outcome(engine.request(action, requests::join(pieces)));
 }
 
-QStringList changed(QStringList pieces, int place, const QString& text)
-{
-    pieces[place] = text;
-    return pieces;
-}
-
 } // namespace
 
 TEST(SendAction, TheFullFormGoesOutByteForByte)
@@ -100,8 +94,8 @@ TEST(SendAction, TextsAreCopiedAsTheyStand)
     Receiver receiver;
     ASSERT_TRUE(receiver.isBound());
     Engine engine;
-    QStringList pieces = changed(requests::fullSend(), 14, QStringLiteral("003"));
-    pieces = changed(pieces, 3, QStringLiteral(" 6"));
+    QStringList pieces = requests::changed(requests::fullSend(), 14, QStringLiteral("003"));
+    pieces = requests::changed(pieces, 3, QStringLiteral(" 6"));
     EXPECT_EQ(
         engine.request(action, requests::join(pieces)).value(QLatin1String("svptype")).toString(),
         QLatin1String("S 6"));
@@ -156,31 +150,40 @@ TEST(SendAction, RefusalsStandInTheirOrder)
           QString(), QString(), QString(), QString(), QString(), QString(), QString(),
           QStringLiteral("3"), QStringLiteral("c")},
          faulty},
-        {changed(changed(brief, 2, QStringLiteral("0,12000")), 3, QStringLiteral("1500")), faulty},
-        {changed(changed(brief, 3, QStringLiteral("0,12000")), 2, QStringLiteral("1500")), faulty},
+        {requests::changed(requests::changed(brief, 2, QStringLiteral("0,12000")), 3,
+                           QStringLiteral("1500")),
+         faulty},
+        {requests::changed(requests::changed(brief, 3, QStringLiteral("0,12000")), 2,
+                           QStringLiteral("1500")),
+         faulty},
         {full.mid(0, 8), invalid},
         {full.mid(0, 15), invalid},
         {full + QStringList{QStringLiteral("more")}, invalid},
-        {changed(brief, 0, QStringLiteral("00")), invalid},
-        {changed(brief, 0, QStringLiteral("soundvelocity")), invalid},
-        {changed(brief, 2, QStringLiteral("0,10,11998.9")), faulty},
-        {changed(brief, 3, QStringLiteral("1500,1490,1399.9")), faulty},
-        {changed(brief, 2, QStringLiteral("0,1,2,3,4,5,6,7,8,12000")),
+        {requests::changed(brief, 0, QStringLiteral("00")), invalid},
+        {requests::changed(brief, 0, QStringLiteral("soundvelocity")), invalid},
+        {requests::changed(brief, 2, QStringLiteral("0,10,11998.9")), faulty},
+        {requests::changed(brief, 3, QStringLiteral("1500,1490,1399.9")), faulty},
+        {requests::changed(brief, 2, QStringLiteral("0,1,2,3,4,5,6,7,8,12000")),
          QStringLiteral("Invalid svp.")},
-        {changed(brief, 2, QStringLiteral("0,10,12000,12001")), QStringLiteral("Invalid svp.")},
-        {changed(brief, 3, QStringLiteral("1500,1490,1550,1550")), QStringLiteral("Invalid svp.")},
-        {changed(full, 15, QString()), faulty},
-        {changed(full, 2, lists(QStringLiteral("1500,1490,1550"), QStringLiteral("0,10,5"))),
+        {requests::changed(brief, 2, QStringLiteral("0,10,12000,12001")),
+         QStringLiteral("Invalid svp.")},
+        {requests::changed(brief, 3, QStringLiteral("1500,1490,1550,1550")),
+         QStringLiteral("Invalid svp.")},
+        {requests::changed(full, 15, QString()), faulty},
+        {requests::changed(full, 2,
+                           lists(QStringLiteral("1500,1490,1550"), QStringLiteral("0,10,5"))),
          faulty},
-        {changed(full, 2, lists(QStringLiteral("1500,1550"), QStringLiteral("0,12000"))),
+        {requests::changed(full, 2, lists(QStringLiteral("1500,1550"), QStringLiteral("0,12000"))),
          QStringLiteral("Wrong svp input.")},
-        {changed(full, 2,
-                 lists(QStringLiteral("1500,1490,1550"), QStringLiteral("0,10,12000,12001"))),
+        {requests::changed(
+             full, 2, lists(QStringLiteral("1500,1490,1550"), QStringLiteral("0,10,12000,12001"))),
          QStringLiteral("Sample count mismatch or too small.")},
-        {changed(full, 14, QStringLiteral("4")), QStringLiteral("Stated sample count mismatch.")},
-        {changed(full, 14, QStringLiteral("x")), QStringLiteral("Stated sample count mismatch.")},
-        {changed(full, 3, QStringLiteral("13")), QStringLiteral("No samples extracted.")},
-        {changed(full, 3, QStringLiteral("x")), QStringLiteral("SUCCESS")},
+        {requests::changed(full, 14, QStringLiteral("4")),
+         QStringLiteral("Stated sample count mismatch.")},
+        {requests::changed(full, 14, QStringLiteral("x")),
+         QStringLiteral("Stated sample count mismatch.")},
+        {requests::changed(full, 3, QStringLiteral("13")), QStringLiteral("No samples extracted.")},
+        {requests::changed(full, 3, QStringLiteral("x")), QStringLiteral("SUCCESS")},
     };
     for (const auto& c : cases) {
         engine.plugin.addPendingAlert("look");
@@ -199,12 +202,13 @@ TEST(SendAction, AnIllegalIdentifierIsNotAnswered)
 {
     Engine engine;
     for (const char* identifier : {"8", "x", "-1", "54", "1.0"}) {
-        engine.request(action,
-                       requests::join(changed(requests::fullSend(), 0, QLatin1String(identifier))));
+        engine.request(action, requests::join(requests::changed(requests::fullSend(), 0,
+                                                                QLatin1String(identifier))));
         EXPECT_TRUE(engine.packets().isEmpty()) << identifier;
     }
     engine.plugin.addPendingAlert("look");
-    engine.request(action, requests::join(changed(requests::fullSend(), 0, QStringLiteral("8"))));
+    engine.request(action,
+                   requests::join(requests::changed(requests::fullSend(), 0, QStringLiteral("8"))));
     ASSERT_EQ(engine.packets().size(), 1);
     EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("whoami")).toString(),
               QLatin1String("SVPAlert"));
@@ -219,11 +223,12 @@ TEST(SendAction, TooLargeADatagramIsLogged)
         depths.append(QString::number(i));
         speeds.append(QStringLiteral("1500"));
     }
-    QStringList pieces = changed(requests::fullSend(), 2,
-                                 speeds.join(QLatin1Char(',')) + QLatin1Char(';') +
-                                     depths.join(QLatin1Char(',')) + QStringLiteral(";0;0;0;0;0"));
+    QStringList pieces =
+        requests::changed(requests::fullSend(), 2,
+                          speeds.join(QLatin1Char(',')) + QLatin1Char(';') +
+                              depths.join(QLatin1Char(',')) + QStringLiteral(";0;0;0;0;0"));
     // The failure is not told to the front end: nothing on this way is ever confirmed.
-    EXPECT_EQ(reply(engine, changed(pieces, 14, QStringLiteral("20000"))),
+    EXPECT_EQ(reply(engine, requests::changed(pieces, 14, QStringLiteral("20000"))),
               QLatin1String("SUCCESS"));
     EXPECT_EQ(testlog::lines().filter(QStringLiteral("bytes not sent:")).size(), 1);
 }
@@ -235,15 +240,15 @@ TEST(SendAction, SurplusSpeedsDoNotCount)
     ASSERT_TRUE(receiver.isBound());
     Engine engine;
     const QString lists = QStringLiteral("1500,1510,1550;0,12000;0;0;0;0;0");
-    EXPECT_EQ(
-        reply(engine, changed(changed(requests::fullSend(), 2, lists), 14, QStringLiteral("2"))),
-        QLatin1String("SUCCESS"));
+    EXPECT_EQ(reply(engine, requests::changed(requests::changed(requests::fullSend(), 2, lists), 14,
+                                              QStringLiteral("2"))),
+              QLatin1String("SUCCESS"));
     EXPECT_TRUE(receiver.next().contains("2026,0.00,1500.00,,,\r\n12000.00,1510.00,,,\r\n3330."));
-    EXPECT_EQ(
-        outcome(engine.request(QStringLiteral("SVP_Save"),
-                               requests::join(changed(changed(requests::datagramSave(), 0, lists),
-                                                      13, QStringLiteral("2"))))),
-        QLatin1String("Sample count mismatch or too small."));
+    EXPECT_EQ(outcome(engine.request(QStringLiteral("SVP_Save"),
+                                     requests::join(requests::changed(
+                                         requests::changed(requests::datagramSave(), 0, lists), 13,
+                                         QStringLiteral("2"))))),
+              QLatin1String("Sample count mismatch or too small."));
 }
 
 TEST(SendAction, ManySendsLeaveTheSystemItsSockets)

@@ -14,6 +14,12 @@ QString join(const QStringList& pieces)
     return QLatin1Char('[') + pieces.join(QLatin1Char('*')) + QLatin1Char(']');
 }
 
+QStringList changed(QStringList pieces, int place, const QString& text)
+{
+    pieces[place] = text;
+    return pieces;
+}
+
 QStringList fullSend()
 {
     QStringList pieces = datagramSave();

@@ -9,6 +9,9 @@ namespace requests {
 /// "[" + pieces joined by "*" + "]".
 QString join(const QStringList& pieces);
 
+/// The pieces with the one at `place` replaced.
+QStringList changed(QStringList pieces, int place, const QString& text);
+
 /// A full send request of three good samples, content identifier 0.
 QStringList fullSend();
 
