@@ -20,8 +20,6 @@ using namespace protocol;
 
 namespace {
 
-constexpr quint16 inputPort = 15060;
-
 // The part of a path before its last separator.
 QString folderOf(const QString& path)
 {

@@ -3,6 +3,7 @@
 #include "plugin/webinterface.h"
 #include "processing/svpmodel.h"
 #include "profile/decimalcounts.h"
+#include "profile/profilefolder.h"
 #include "settings/cdatafile.h"
 #include "settings/defaultsettings.h"
 #include "settings/reportformat.h"
@@ -48,6 +49,18 @@ class CSVP_WebInterface : public WebInterface
     {
         return reportMessage(key, {settings::ReportArgument(arguments)...});
     }
+
+    /// UDP port of the input socket.
+    static constexpr quint16 inputPort = 15060;
+
+    /// Takes a datagram as if it had come in at the input port: a "$TXQRV," sentence is handed to
+    /// `HandleTXQRVDatagrams`, anything else is dropped.
+    void processUdpDatagram(const QByteArray& datagram);
+
+    /// Interprets "$TXQRV,350,<path>,<identifier>": acknowledges it to the peer process at once and
+    /// opens the file that the identifier names (".asvp" where it has no suffix). The reply of the
+    /// open goes to the last target. Other sentences are ignored, missing fields logged.
+    void HandleTXQRVDatagrams(const QByteArray& datagram);
 
     /// Writes a finished file body to `path`, see `datagram::saveOtherFile`.
     bool handleSaveOtherFiles(const QString& path, const QByteArray& content, bool keepBackup);
@@ -118,6 +131,8 @@ class CSVP_WebInterface : public WebInterface
     void answerPairList(QLatin1String whoami, const QString& body, const QString& done);
 
     void handleOpenRequest(const QString& body);
+    bool storeUpload(const profile::ProfileFolder& folder, const QString& name,
+                     const QByteArray& content);
     bool handleOpenSVP(const QString& body, const QByteArray& content);
     void handleSave(const QString& body);
     void handleSaveAs(const QString& body);

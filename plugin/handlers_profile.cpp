@@ -1,5 +1,6 @@
 #include "plugin/csvp_webinterface.h"
 #include "plugin/reply.h"
+#include "plugin/upload.h"
 #include "processing/check.h"
 #include "profile/openprofile.h"
 #include "profile/protocol.h"
@@ -28,10 +29,13 @@ void CSVP_WebInterface::handleOpenRequest(const QString& body)
 
 bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& content)
 {
-    Q_UNUSED(content)
-    const QString name = profile::requestedFileName(body);
+    const profile::ProfileFolder folder = profile::openedProfileFolder();
+    const bool isUpload = !content.isEmpty();
+    const QString name = isUpload ? lastElement(body) : profile::requestedFileName(body);
     const profile::OpenedProfile opened =
-        profile::openProfile(profile::openedProfileFolder(), name, svpFilters);
+        isUpload && !storeUpload(folder, name, content)
+            ? profile::OpenedProfile{{}, QStringLiteral("Error saving file."), {}}
+            : profile::openProfile(folder, name, svpFilters);
     postErrorText = opened.reason;
     const bool isOpen = opened.reason.isEmpty();
     if (isOpen) {
@@ -42,6 +46,16 @@ bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& con
     }
     handleAlert(pendingAlert);
     return isOpen;
+}
+
+// An upload stays in the profile folder even when it cannot be decoded: the surveyor may have
+// handed in the only copy. A name that is none is left to the open to refuse.
+bool CSVP_WebInterface::storeUpload(const profile::ProfileFolder& folder, const QString& name,
+                                    const QByteArray& content)
+{
+    const QString path = folder.pathOf(name);
+    folder.makeFolderOf(path);
+    return path.isEmpty() || handleSaveOtherFiles(path, content, true);
 }
 
 void CSVP_WebInterface::handleCheckProfile(const QString& body)

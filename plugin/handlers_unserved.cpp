@@ -2,9 +2,6 @@
 #include "plugin/reply.h"
 #include "profile/protocol.h"
 
-#include <QDebug>
-#include <QUdpSocket>
-
 // Actions that are part of the protocol but not served by this version. Each says so, so that a
 // front end never waits for an answer that does not come.
 
@@ -80,22 +77,4 @@ void CSVP_WebInterface::handleSelectExtentionFile(const QString& body)
 {
     Q_UNUSED(body)
     send(unserved(action::selectExtension, "Selecting an extension file"));
-}
-
-void CSVP_WebInterface::requestPost(int connection, const QByteArray& request)
-{
-    Q_UNUSED(request)
-    Q_EMIT sendPostResponse(connection,
-                            "HTTP/1.0 500 Internal Server Error\r\n"
-                            "Content-Type: text/html; charset=\"ISO-8859-1\"\r\n\r\n"
-                            "Uploading a profile is not available in this version of the engine.");
-}
-
-void CSVP_WebInterface::readPendingDatagrams()
-{
-    // Read them all the same: datagrams that stay would keep the socket from signalling.
-    while (udpSocket->hasPendingDatagrams()) {
-        udpSocket->readDatagram(nullptr, 0);
-        qDebug() << "SVP Editor - WARNING - datagrams are not served by this version";
-    }
 }

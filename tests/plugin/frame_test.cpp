@@ -115,15 +115,3 @@ TEST(Frame, ReportMessagesComeFromTheSettingsFile)
     EXPECT_EQ(plugin.GetReportErr("2"), "%s%s%s%s");
     EXPECT_EQ(plugin.GetReportErr("2600"), "");
 }
-
-TEST(Frame, UploadsAreAnsweredOnce)
-{
-    Engine engine;
-    QSignalSpy answers(&engine.plugin, &CSVP_WebInterface::sendPostResponse);
-    engine.plugin.requestPost(42, "POST / HTTP/1.1\r\n\r\n");
-    ASSERT_EQ(answers.size(), 1);
-    EXPECT_EQ(answers.at(0).at(0).toInt(), 42);
-    EXPECT_TRUE(answers.at(0).at(1).toByteArray().startsWith(
-        "HTTP/1.0 500 Internal Server Error\r\nContent-Type: text/html; "
-        "charset=\"ISO-8859-1\"\r\n\r\n"));
-}
