@@ -3,6 +3,8 @@
 #include "datagram/position.h"
 #include "datagram/sspdatagram.h"
 
+#include <algorithm>
+
 namespace datagram {
 
 namespace {
@@ -34,12 +36,13 @@ QString shortPositionText(const QString& degrees)
 QByteArray shortDatagram(const ShortSend& request)
 {
     const QString& time = request.time;
-    QByteArray text = (QStringLiteral("$QZS00,00001,") +
-                       QString::number(request.depths.size()).rightJustified(4, zero) + comma +
-                       time.mid(8, 2) + time.mid(10, 2) + time.mid(12, 2) + comma + time.mid(6, 2) +
-                       comma + time.mid(4, 2) + comma + time.left(4) + comma)
-                          .toUtf8();
-    for (int i = 0; i < request.depths.size(); ++i) {
+    const int samples = std::min(request.depths.size(), request.speeds.size());
+    QByteArray text =
+        (QStringLiteral("$QZS00,00001,") + QString::number(samples).rightJustified(4, zero) +
+         comma + time.mid(8, 2) + time.mid(10, 2) + time.mid(12, 2) + comma + time.mid(6, 2) +
+         comma + time.mid(4, 2) + comma + time.left(4) + comma)
+            .toUtf8();
+    for (int i = 0; i < samples; ++i) {
         text += QByteArray::number(double(request.depths[i]), 'g', 6);
         text += ',';
         text += QByteArray::number(double(request.speeds[i]), 'g', 6);

@@ -32,7 +32,8 @@ ShortSend parseShortSend(const QVector<QStringRef>& pieces, bool speedsFirst);
 QString shortPositionText(const QString& degrees);
 
 /// The datagram of the short form, content identifier 0: numbers with six significant digits,
-/// comment "PE". The checksum ends at the first "*".
+/// comment "PE". The checksum ends at the first "*". Lists of unequal length give their complete
+/// pairs.
 QByteArray shortDatagram(const ShortSend& request);
 
 } // namespace datagram

@@ -35,6 +35,16 @@ TEST(ShortDatagram, TheCountHasAtLeastFourDigits)
     }
 }
 
+TEST(ShortDatagram, UnequalListsGiveTheirCompletePairs)
+{
+    ShortSend request;
+    request.depths = {0, 1, 2};
+    request.speeds = {1500};
+    EXPECT_TRUE(shortDatagram(request).startsWith("$QZS00,00001,0001,,,,,0,1500,,,\r\n0000."));
+    request.depths.clear();
+    EXPECT_TRUE(shortDatagram(request).startsWith("$QZS00,00001,0000,,,,,0000."));
+}
+
 TEST(ShortDatagram, PositionsHaveTwoDigitsOfDegrees)
 {
     struct
