@@ -28,19 +28,14 @@ TEST(HostileInput, TenMegabytesOfAnything)
     for (const QChar filler :
          {QChar('*'), QChar(','), QChar(';'), QChar('['), QChar('='), QChar('9'), QChar(0)}) {
         const QString body(size, filler);
-        for (const char* action : {"CheckProfile", "SVP_OpenSVP", "SVPAlert"}) {
+        for (const char* action : {"CheckProfile", "SVP_OpenSVP", "SVPAlert", "SendSVPtoQRV",
+                                   "SVP_Save", "SVP_SaveAs", "RVT300"}) {
             engine.request(QLatin1String(action), body);
             EXPECT_EQ(engine.packets().size(), 1) << action << filler.unicode();
         }
-        if (filler != QLatin1Char('*') && filler != QLatin1Char(','))
-            continue;
-        for (const char* action : {"SendSVPtoQRV", "SVP_Save", "SVP_SaveAs", "RVT300"}) {
-            engine.request(QLatin1String(action), body);
-            EXPECT_EQ(engine.packets().size(), 1) << action << filler.unicode();
-        }
+        engine.message(body);
+        EXPECT_TRUE(engine.packets().isEmpty());
     }
-    engine.message(QString(size, QLatin1Char(',')));
-    EXPECT_TRUE(engine.packets().isEmpty());
     engine.request(QStringLiteral("CheckProfile"),
                    checkBody(QString(levels, QLatin1Char(',')), QString(levels, QLatin1Char(','))));
     EXPECT_EQ(engine.packets().constFirst().value(QLatin1String("svpX")).toArray().size(),

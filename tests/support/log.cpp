@@ -24,7 +24,9 @@ QVector<Announced> announced;
 
 void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
-    logLines.append(text);
+    // The engine logs whole requests: kept at their length, those of megabytes fill the memory.
+    constexpr int keptLength = 4096;
+    logLines.append(text.left(keptLength));
     if (type == QtDebugMsg || type == QtInfoMsg)
         return;
     bool isKnown = false;
