@@ -1,0 +1,26 @@
+#include "seawater/level.h"
+
+#include "seawater/pressure.h"
+#include "seawater/salinity.h"
+#include "seawater/soundspeed.h"
+
+#include <cmath>
+
+namespace seawater {
+
+bool completeLevel(Level& level, double latitude)
+{
+    double pressure = level.pressure;
+    if (std::isnan(level.depth))
+        level.depth = depthFromPressure(pressure, latitude);
+    else if (std::isnan(pressure))
+        pressure = pressureFromDepth(level.depth, latitude);
+    // Not a number goes through the formulas, so that what cannot be computed stays unknown.
+    if (std::isnan(level.salinity) && !std::isnan(level.conductivity))
+        level.salinity = practicalSalinity(level.conductivity, level.temperature, pressure);
+    if (std::isnan(level.speed))
+        level.speed = chenMilleroSoundSpeed(level.salinity, level.temperature, pressure);
+    return std::isfinite(level.depth) && std::isfinite(level.speed);
+}
+
+} // namespace seawater

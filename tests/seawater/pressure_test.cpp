@@ -1,0 +1,55 @@
+#include "seawater/pressure.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace seawater;
+
+TEST(DepthFromPressure, isZeroAtTheSurface)
+{
+    EXPECT_EQ(depthFromPressure(0.0, 0.0), 0.0);
+    EXPECT_EQ(pressureFromDepth(0.0, 59.5), 0.0);
+}
+
+// Depths of Saunders and Fofonoff as UNESCO technical papers in marine science 44 prints them.
+TEST(DepthFromPressure, liesWithinItsAccuracyOfThePublishedTable)
+{
+    const struct
+    {
+        double pressure;
+        double latitude;
+        double depth;
+    } rows[] = {
+        {500, 0, 496.65},    {500, 30, 496.00},    {500, 90, 494.03},    {1000, 0, 992.12},
+        {1000, 30, 990.81},  {1000, 90, 986.88},   {5000, 0, 4915.04},   {5000, 90, 4889.13},
+        {10000, 0, 9725.47}, {10000, 30, 9712.65}, {10000, 90, 9674.23},
+    };
+    for (const auto& row : rows)
+        EXPECT_NEAR(depthFromPressure(row.pressure, row.latitude), row.depth, row.depth * 0.0015)
+            << row.pressure << " dbar at " << row.latitude;
+}
+
+// g = 1.008 at 45 degrees, so p = 2.4696e-6 d^2 + 1.008 d can be worked out by hand.
+TEST(PressureFromDepth, followsItsQuadratic)
+{
+    EXPECT_NEAR(pressureFromDepth(1000.0, 45.0), 1010.4696, 1e-9);
+    EXPECT_NEAR(depthFromPressure(1010.4696, 45.0), 1000.0, 1e-7);
+    EXPECT_NEAR(pressureFromDepth(1000.0, 0.0), 2.4696 + (1 - 0.00263) * 1008.0, 1e-9);
+    EXPECT_NEAR(pressureFromDepth(1000.0, 90.0), 2.4696 + (1 + 0.00263) * 1008.0, 1e-9);
+}
+
+TEST(DepthFromPressure, isTheInverseOnBothHemispheres)
+{
+    for (const double latitude : {-90.0, -33.25, 0.0, 12.5, 90.0}) {
+        for (const double depth : {-2.0, 0.5, 100.0, 12000.0})
+            EXPECT_NEAR(depthFromPressure(pressureFromDepth(depth, latitude), latitude), depth,
+                        1e-7);
+    }
+}
+
+TEST(DepthFromPressure, hasNoDepthForAnImpossiblePressure)
+{
+    EXPECT_TRUE(std::isnan(depthFromPressure(-1e6, 0.0)));
+    EXPECT_TRUE(std::isnan(depthFromPressure(std::nan(""), 0.0)));
+}

@@ -1,0 +1,48 @@
+#include "seawater/soundspeed.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using seawater::chenMilleroSoundSpeed;
+
+TEST(ChenMilleroSoundSpeed, givesThePublishedCheckValue)
+{
+    EXPECT_NEAR(chenMilleroSoundSpeed(40.0, 40.0, 10000.0), 1731.995, 0.0005);
+}
+
+// UNESCO technical papers in marine science 44, table of sound speed, one decimal.
+TEST(ChenMilleroSoundSpeed, agreesWithThePublishedTable)
+{
+    const struct
+    {
+        double salinity;
+        double temperature;
+        double pressure;
+        double speed;
+    } rows[] = {
+        {25, 0, 0, 1435.8},  {25, 10, 0, 1477.7}, {25, 20, 0, 1510.3}, {25, 30, 0, 1535.2},
+        {25, 40, 0, 1553.4}, {35, 0, 0, 1449.1},  {35, 10, 0, 1489.8}, {35, 20, 0, 1521.5},
+        {35, 30, 0, 1545.6}, {35, 40, 0, 1563.2},
+    };
+    for (const auto& row : rows)
+        EXPECT_NEAR(chenMilleroSoundSpeed(row.salinity, row.temperature, row.pressure), row.speed,
+                    0.0501)
+            << row.salinity << " " << row.temperature << " " << row.pressure;
+}
+
+TEST(ChenMilleroSoundSpeed, takesPressureInDecibar)
+{
+    // Roughly 1.6 m/s per 100 m: a wrong unit is off by a factor of ten.
+    const double rise = chenMilleroSoundSpeed(35, 10, 1000) - chenMilleroSoundSpeed(35, 10, 0);
+    EXPECT_GT(rise, 15.0);
+    EXPECT_LT(rise, 18.0);
+}
+
+TEST(ChenMilleroSoundSpeed, staysANumberBelowZeroSalinityAndPassesUnknownsOn)
+{
+    EXPECT_TRUE(std::isfinite(chenMilleroSoundSpeed(-0.01, 10, 0)));
+    EXPECT_TRUE(std::isnan(chenMilleroSoundSpeed(std::nan(""), 10, 0)));
+    EXPECT_TRUE(std::isnan(chenMilleroSoundSpeed(35, std::nan(""), 0)));
+    EXPECT_TRUE(std::isnan(chenMilleroSoundSpeed(35, 10, std::nan(""))));
+}
