@@ -20,6 +20,11 @@ QJsonArray numberArray(const QVector<double>& numbers)
     return array;
 }
 
+profile::OpenedProfile refuseSsp(const QByteArray&, const QString&)
+{
+    return {{}, QStringLiteral("Files ending in \".ssp\" cannot be opened by this version."), {}};
+}
+
 } // namespace
 
 void CSVP_WebInterface::handleOpenRequest(const QString& body)
@@ -35,7 +40,7 @@ bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& con
     const profile::OpenedProfile opened =
         isUpload && !storeUpload(folder, name, content)
             ? profile::OpenedProfile{{}, QStringLiteral("Error saving file."), {}}
-            : profile::openProfile(folder, name, svpFilters);
+            : profile::openProfile(folder, name, svpFilters, refuseSsp);
     postErrorText = opened.reason;
     const bool isOpen = opened.reason.isEmpty();
     if (isOpen) {

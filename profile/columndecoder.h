@@ -11,7 +11,16 @@
 
 namespace profile {
 
-/// How the columns of a text file are read. Column numbers count from 0; -1 is an absent one.
+/// What the salinity column of a column file holds.
+enum class SalinityWord
+{
+    Undefined,
+    Salinity,
+    Conductivity
+};
+
+/// How the columns of a text file are read, and what a decoder found about the file. Column
+/// numbers count from 0; -1 is an absent one.
 struct tagDecodeFmt
 {
     int depthColumn = -1;
@@ -19,10 +28,22 @@ struct tagDecodeFmt
     int temperatureColumn = -1;
     int salinityColumn = -1;
     int absorptionColumn = -1;
+    int pressureColumn = -1;
+    int conductivityColumn = -1;
+    int largestColumn = -1;   ///< the greater of the depth and the speed column of a filter row
     QString skipLines;        ///< lines that are no samples, see `LineSet`
     double depthFactor = 1.0; ///< a depth in the file times this is in m
     double speedFactor = 1.0; ///< a speed in the file times this is in m/s
-    char separator = ' ';     ///< a blank stands for a run of blanks and tabs
+    double conductivityFactor = 1.0; ///< a conductivity in the file times this is in mS/cm
+    char separator = ' ';            ///< a blank stands for a run of blanks and tabs
+    SalinityWord salinityWord = SalinityWord::Undefined;
+
+    // Found by the decoder of an instrument file; empty (0 rows) where the file does not say.
+    int rowCount = 0;    ///< sample rows that the file announces
+    QString time;        ///< yyyyMMddHHmmss
+    QString latitude;    ///< as the file gives it
+    QString longitude;   ///< as the file gives it
+    QString description; ///< e.g. "Valeport SWiFT vp2 format."
 };
 
 /// A set of line numbers, written as numbers and ranges separated by ";": "1;3-5". Lines count

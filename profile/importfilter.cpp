@@ -25,6 +25,15 @@ char separatorOf(const QString& word)
     return ' ';
 }
 
+SalinityWord salinityWordOf(const QString& word)
+{
+    if (word.compare(QLatin1String("salinity"), Qt::CaseInsensitive) == 0)
+        return SalinityWord::Salinity;
+    if (word.compare(QLatin1String("conductivity"), Qt::CaseInsensitive) == 0)
+        return SalinityWord::Conductivity;
+    return SalinityWord::Undefined;
+}
+
 } // namespace
 
 const QStringList& builtInFilters()
@@ -56,7 +65,9 @@ bool parseFilterRow(const QString& line, FilterRow& row)
     format.skipLines = fields[7];
     format.depthFactor = fields[8].toDouble();
     format.speedFactor = fields[9].toDouble();
+    format.largestColumn = std::max(format.depthColumn, format.speedColumn);
     format.separator = separatorOf(fields[10]);
+    format.salinityWord = salinityWordOf(fields[11]);
     row.format = format;
     return true;
 }

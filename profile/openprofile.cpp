@@ -51,7 +51,7 @@ QString requestedFileName(const QString& request)
 }
 
 OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
-                          const QStringList& filters)
+                          const QStringList& filters, const SspReader& readSsp)
 {
     QByteArray content;
     const QString path = folder.pathOf(name);
@@ -63,6 +63,8 @@ OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
         return refused(QStringLiteral("Filter not found."));
     if (filter.postfix == QLatin1String(".asvp"))
         return openAsvp(content, filter.format, name);
+    if (filter.postfix == QLatin1String(".ssp"))
+        return readSsp(content, name);
     return refused(QStringLiteral("Files ending in \"") + filter.postfix +
                    QStringLiteral("\" cannot be opened by this version."));
 }

@@ -3,9 +3,12 @@
 #include "profile/decimalcounts.h"
 #include "profile/profilefolder.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 namespace profile {
 
@@ -22,10 +25,14 @@ struct OpenedProfile
     DecimalCounts decimals; ///< as the file's own text shows them
 };
 
+/// Reads the content of a datagram file (".ssp"). The rooms that know datagrams build on this one,
+/// so the caller of `openProfile` brings the reader along.
+using SspReader = std::function<OpenedProfile(const QByteArray& content, const QString& name)>;
+
 /// Reads the profile file `name` of `folder`, by the first of the filter rows `filters` that fits
 /// its suffix. Reasons, in the order of the tests: "File does not exist or cannot be opened for
 /// reading", "Filter not found.", then what the kind of file gives.
 OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
-                          const QStringList& filters);
+                          const QStringList& filters, const SspReader& readSsp);
 
 } // namespace profile
