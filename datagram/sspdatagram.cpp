@@ -147,6 +147,9 @@ BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& dec
 std::vector<QByteArray> datagramFields(const QByteArray& text)
 {
     constexpr int endLength = 7;
+    // More than any legal datagram has. What is beyond stays in the last field, so that a file full
+    // of commas is refused for its number of fields and not for want of memory.
+    constexpr std::size_t mostFields = 6000;
     QByteArray flat = text;
     for (int i = 0; i < flat.size(); ++i) {
         if (i + 2 < flat.size() && flat[i] == '\r' && flat[i + 1] == '\n' && flat[i + 2] == ',')
@@ -160,7 +163,8 @@ std::vector<QByteArray> datagramFields(const QByteArray& text)
     }
     std::vector<QByteArray> fields;
     int start = 0;
-    for (int end = flat.indexOf(','); end >= 0; end = flat.indexOf(',', start)) {
+    for (int end = flat.indexOf(','); end >= 0 && fields.size() < mostFields;
+         end = flat.indexOf(',', start)) {
         fields.push_back(flat.mid(start, end - start));
         start = end + 1;
     }

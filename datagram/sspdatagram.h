@@ -80,7 +80,8 @@ struct DatagramParts
 BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& decimals);
 
 /// The fields of a datagram: commas and line ends separate, but for the last seven bytes, and a
-/// line end directly followed by a comma makes no extra field.
+/// line end directly followed by a comma makes no extra field. From the 6 001st on all is one
+/// field: no legal datagram has as many.
 std::vector<QByteArray> datagramFields(const QByteArray& text);
 
 /// Number of the first rule that a datagram breaks, 1 to 10, or 0 for a sound one: 1 first byte

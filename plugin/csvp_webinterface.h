@@ -1,8 +1,10 @@
 #pragma once
 
+#include "datagram/conversion.h"
 #include "plugin/webinterface.h"
 #include "processing/svpmodel.h"
 #include "profile/decimalcounts.h"
+#include "profile/openprofile.h"
 #include "profile/profilefolder.h"
 #include "settings/cdatafile.h"
 #include "settings/defaultsettings.h"
@@ -76,6 +78,14 @@ class CSVP_WebInterface : public WebInterface
     /// request has the wrong number of pieces, else left as it is.
     bool QuickCheck(QString& message, const QString& body);
 
+    /// Verifies and converts a datagram, see `datagram::calcS00`. When a rule fails, the result is
+    /// empty, its report message is appended to the pending alerts, and the profile converted
+    /// before stays the one that `getFromS00` reads.
+    datagram::ConvertedProfile calcS00(const QByteArray& text);
+
+    /// One value of the profile converted last, see `datagram::getFromS00`.
+    double getFromS00(int index, int vector) const;
+
     /// Appends an alert text to the pending ones, which are sent after the reply of this turn;
     /// texts of one turn are separated by a line feed.
     void addPendingAlert(const std::string& text);
@@ -133,6 +143,8 @@ class CSVP_WebInterface : public WebInterface
     void handleOpenRequest(const QString& body);
     bool storeUpload(const profile::ProfileFolder& folder, const QString& name,
                      const QByteArray& content);
+    profile::OpenedProfile openDatagramFile(const QByteArray& content, const QString& name);
+    datagram::Conversion convert(const QByteArray& text);
     bool handleOpenSVP(const QString& body, const QByteArray& content);
     void handleSave(const QString& body);
     void handleSaveAs(const QString& body);
@@ -164,6 +176,7 @@ class CSVP_WebInterface : public WebInterface
     CDataFile settings;
     settings::ProfileLimits profileLimits;
     profile::DecimalCounts decimals;
+    datagram::ConvertedProfile convertedProfile;
     std::string reportText; // last formatted report message
     processing::CSVPModel model;
     QUdpSocket* udpSocket = nullptr;

@@ -1,3 +1,4 @@
+#include "datagram/sspfile.h"
 #include "plugin/csvp_webinterface.h"
 #include "plugin/reply.h"
 #include "plugin/upload.h"
@@ -20,11 +21,6 @@ QJsonArray numberArray(const QVector<double>& numbers)
     return array;
 }
 
-profile::OpenedProfile refuseSsp(const QByteArray&, const QString&)
-{
-    return {{}, QStringLiteral("Files ending in \".ssp\" cannot be opened by this version."), {}};
-}
-
 } // namespace
 
 void CSVP_WebInterface::handleOpenRequest(const QString& body)
@@ -35,12 +31,15 @@ void CSVP_WebInterface::handleOpenRequest(const QString& body)
 bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& content)
 {
     const profile::ProfileFolder folder = profile::openedProfileFolder();
+    const auto openSsp = [this](const QByteArray& bytes, const QString& file) {
+        return openDatagramFile(bytes, file);
+    };
     const bool isUpload = !content.isEmpty();
     const QString name = isUpload ? lastElement(body) : profile::requestedFileName(body);
     const profile::OpenedProfile opened =
         isUpload && !storeUpload(folder, name, content)
             ? profile::OpenedProfile{{}, QStringLiteral("Error saving file."), {}}
-            : profile::openProfile(folder, name, svpFilters, refuseSsp);
+            : profile::openProfile(folder, name, svpFilters, openSsp);
     postErrorText = opened.reason;
     const bool isOpen = opened.reason.isEmpty();
     if (isOpen) {
@@ -61,6 +60,37 @@ bool CSVP_WebInterface::storeUpload(const profile::ProfileFolder& folder, const 
     const QString path = folder.pathOf(name);
     folder.makeFolderOf(path);
     return path.isEmpty() || handleSaveOtherFiles(path, content, true);
+}
+
+profile::OpenedProfile CSVP_WebInterface::openDatagramFile(const QByteArray& content,
+                                                           const QString& name)
+{
+    const QString refusal = datagram::sspRefusal(content);
+    if (!refusal.isEmpty())
+        return {{}, refusal, {}};
+    return datagram::openedSsp(convert(datagram::firstDatagram(content)), name);
+}
+
+datagram::Conversion CSVP_WebInterface::convert(const QByteArray& text)
+{
+    datagram::Conversion conversion = datagram::calcS00(
+        text, datagram::convertedFolder(), profileLimits, QDateTime::currentDateTime());
+    const datagram::Report& report = conversion.report;
+    if (report.number != 0)
+        addPendingAlert(reportMessage(std::to_string(report.number).c_str(), report.arguments));
+    else
+        convertedProfile = conversion.profile;
+    return conversion;
+}
+
+datagram::ConvertedProfile CSVP_WebInterface::calcS00(const QByteArray& text)
+{
+    return convert(text).profile;
+}
+
+double CSVP_WebInterface::getFromS00(int index, int vector) const
+{
+    return datagram::getFromS00(convertedProfile, index, vector);
 }
 
 void CSVP_WebInterface::handleCheckProfile(const QString& body)

@@ -142,7 +142,7 @@ TEST(OpenAction, RefusalsCarryTheirReason)
         {"x.txt", asvp({"0 1500", "1 1500"}), "Filter not found."},
         {"noext", "", "Filter not found."},
         {"x.vp2", "", "Files ending in \".vp2\" cannot be opened by this version."},
-        {"x.SSP", "", "Files ending in \".ssp\" cannot be opened by this version."},
+        {"x.SSP", "", "Header not correct in file."},
     };
     for (const auto& c : cases) {
         engine.folder.writeProfile(QLatin1String(c.name), c.content);

@@ -91,7 +91,7 @@ TEST(UdpInput, TheSuffixBecomesTheKind)
     QSignalSpy packets(&engine.plugin, &CSVP_WebInterface::sendWSPacket);
     engine.plugin.processUdpDatagram("$TXQRV,350,C:\\x,cast.ssp");
     ASSERT_EQ(packets.size(), 1);
-    EXPECT_TRUE(packets.at(0).at(1).toByteArray().contains("\\\".ssp\\\" cannot be opened"));
+    EXPECT_TRUE(packets.at(0).at(1).toByteArray().contains("Header not correct in file."));
 }
 
 TEST(UdpInput, AFileThatDoesNotOpenIsAcknowledgedAllTheSame)
