@@ -1,5 +1,6 @@
 #include "bench/ratios.h"
 #include "datagram/sspdatagram.h"
+#include "datagram/sspfields.h"
 
 #include <charconv>
 
@@ -55,6 +56,52 @@ void toChars(benchmark::State& state)
     }
 }
 
+// Reading: the most samples that a datagram may have, taken apart and verified, every number read.
+QByteArray longestDatagram(qint64 levels)
+{
+    return datagram::buildDatagram(profileOf(levels), decimals).bytes;
+}
+
+void takeApart(benchmark::State& state)
+{
+    const QByteArray file = longestDatagram(state.range(0));
+    for (auto _ : state) {
+        const QByteArray text = datagram::firstDatagram(file);
+        const datagram::DatagramFields fields(text);
+        if (datagram::fnVerifySXX(text, fields) != 0)
+            state.SkipWithError("the datagram is not sound");
+        const datagram::SspDatagram read = datagram::readFields(fields);
+        double sum = 0.0;
+        for (int sample = 0; sample < read.samples; ++sample) {
+            for (int column = 0; column < 4; ++column)
+                sum += read.value(sample, column);
+        }
+        benchmark::DoNotOptimize(sum);
+        benchmark::DoNotOptimize(datagram::shownDecimals(read));
+    }
+}
+
+// The baseline: the same numbers in the same text, one after the other.
+void fromChars(benchmark::State& state)
+{
+    const QByteArray text = longestDatagram(state.range(0));
+    for (auto _ : state) {
+        const char* at = text.constData() + text.indexOf("2026,") + 5;
+        const char* const end = text.constData() + text.size();
+        double sum = 0.0;
+        for (int number = 0; number < 4000; ++number) {
+            while (at != end && (*at < '0' || *at > '9') && *at != '-')
+                ++at;
+            double value = 0.0;
+            at = std::from_chars(at, end, value).ptr;
+            sum += value;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+}
+
+BENCHMARK(takeApart)->Arg(1000);
+BENCHMARK(fromChars)->Arg(1000);
 BENCHMARK(build)->Arg(1000)->Arg(100000);
 BENCHMARK(toChars)->Arg(1000)->Arg(100000);
 
@@ -70,5 +117,7 @@ int main(int argc, char** argv)
             {"datagram against its numbers alone, 1 000", "build/1000", "toChars/1000", 1.0, 4.0},
             {"datagram against its numbers alone, 100 000", "build/100000", "toChars/100000", 1.0,
              4.0},
+            {"datagram read against its numbers alone, 1 000", "takeApart/1000", "fromChars/1000",
+             1.0, 3.0},
         });
 }

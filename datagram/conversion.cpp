@@ -123,7 +123,7 @@ Conversion calcS00(const QByteArray& text, const QString& folder,
                    const settings::ProfileLimits& limits, const QDateTime& now)
 {
     const auto refused = [](int number) { return Conversion{{}, {}, {}, {number, {}}}; };
-    std::vector<QByteArray> fields = datagramFields(text);
+    const DatagramFields fields(text);
     if (fields.size() < fewestFields)
         return refused(messageBase);
     const int broken = fnVerifySXX(text, fields);
@@ -131,7 +131,7 @@ Conversion calcS00(const QByteArray& text, const QString& folder,
         return refused(messageBase + broken);
 
     Conversion result;
-    result.source = readFields(std::move(fields));
+    result.source = readFields(fields);
     const SspDatagram& source = result.source;
     if (!source.identifier.isConvertible) {
         platform::debugOutput(
@@ -158,7 +158,7 @@ Conversion calcS00(const QByteArray& text, const QString& folder,
     int count = 0;
     if (!fnCreateAndCheckS00(path, limits, built, count, result.report))
         return result;
-    if (datagramFields(built).size() < fewestFields)
+    if (DatagramFields(built).size() < fewestFields)
         result.report.number = messageBase;
     else
         result.profile = profileOf(source, levels);

@@ -35,12 +35,10 @@ void appendNumber(QByteArray& row, const Column& column, int sample)
     row += QByteArray::number(double(value), 'f', std::clamp(column.decimals, 0, mostDecimals));
 }
 
-int fieldInt(const std::vector<QByteArray>& fields, std::size_t index, int offset = 0)
+int fieldInt(const DatagramFields& fields, std::size_t index, std::size_t offset = 0)
 {
-    if (index >= fields.size() || fields[index].size() < offset)
-        return 0;
-    const QByteArray& field = fields[index];
-    return settings::leadingInt({field.constData() + offset, std::size_t(field.size() - offset)});
+    const std::string_view field = fields[index];
+    return field.size() < offset ? 0 : settings::leadingInt(field.substr(offset));
 }
 
 bool isTime(int time)
@@ -144,40 +142,45 @@ BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& dec
     return {sealed(sspHeader(parts.identifier, parts.samples, parts.time) + rows + tail), {}};
 }
 
-std::vector<QByteArray> datagramFields(const QByteArray& text)
+DatagramFields::DatagramFields(const QByteArray& text) : m_flat(text)
 {
     constexpr int endLength = 7;
     // More than any legal datagram has. What is beyond stays in the last field, so that a file full
     // of commas is refused for its number of fields and not for want of memory.
     constexpr std::size_t mostFields = 6000;
-    QByteArray flat = text;
-    for (int i = 0; i < flat.size(); ++i) {
-        if (i + 2 < flat.size() && flat[i] == '\r' && flat[i + 1] == '\n' && flat[i + 2] == ',')
-            flat[i + 2] = ' ';
-        if (i < flat.size() - endLength) {
-            if (flat[i] == '\r')
-                flat[i] = ' ';
-            else if (flat[i] == '\n')
-                flat[i] = ',';
+    char* const bytes = m_flat.data();
+    const int size = m_flat.size();
+    m_fields.reserve(std::min(mostFields + 1, std::size_t(size) / 4 + 1));
+    int start = 0;
+    const auto endField = [&](int end) {
+        if (m_fields.size() < mostFields) {
+            m_fields.emplace_back(bytes + start, std::size_t(end - start));
+            start = end + 1;
+        }
+    };
+    for (int i = 0; i < size; ++i) {
+        const char byte = bytes[i];
+        if (byte > ',') // the digits, most of all
+            continue;
+        const bool isInside = i < size - endLength;
+        if (byte == ',' || (byte == '\n' && isInside)) {
+            endField(i);
+        } else if (byte == '\r') {
+            if (i + 2 < size && bytes[i + 1] == '\n' && bytes[i + 2] == ',')
+                bytes[i + 2] = ' ';
+            if (isInside)
+                bytes[i] = ' ';
         }
     }
-    std::vector<QByteArray> fields;
-    int start = 0;
-    for (int end = flat.indexOf(','); end >= 0 && fields.size() < mostFields;
-         end = flat.indexOf(',', start)) {
-        fields.push_back(flat.mid(start, end - start));
-        start = end + 1;
-    }
-    fields.push_back(flat.mid(start));
-    return fields;
+    m_fields.emplace_back(bytes + start, std::size_t(size - start));
 }
 
-int fnVerifySXX(const QByteArray& text, const std::vector<QByteArray>& fields)
+int fnVerifySXX(const QByteArray& text, const DatagramFields& fields)
 {
-    constexpr int identifierPlace = 4;
+    constexpr std::size_t identifierPlace = 4;
     if (!text.startsWith('$'))
         return 1;
-    if (fields.empty() || fields[0].size() < identifierPlace || fields[0][3] != 'S')
+    if (fields[0].size() < identifierPlace || fields[0][3] != 'S')
         return 2;
     if (!contentIdentifier(fieldInt(fields, 0, identifierPlace)).isLegal)
         return 3;

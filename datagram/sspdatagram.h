@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVector>
 
+#include <string_view>
 #include <vector>
 
 /// The sound speed profile datagram: "$QZS" and a content identifier, a header, one row of five
@@ -82,13 +83,30 @@ BuiltDatagram buildDatagram(const DatagramParts& parts, const DecimalCounts& dec
 /// The fields of a datagram: commas and line ends separate, but for the last seven bytes, and a
 /// line end directly followed by a comma makes no extra field. From the 6 001st on all is one
 /// field: no legal datagram has as many.
-std::vector<QByteArray> datagramFields(const QByteArray& text);
+class DatagramFields
+{
+  public:
+    DatagramFields() = default;
+    explicit DatagramFields(const QByteArray& text);
+
+    std::size_t size() const { return m_fields.size(); }
+
+    /// A field; empty where there is none. Lives as long as this object or a copy of it.
+    std::string_view operator[](std::size_t index) const
+    {
+        return index < m_fields.size() ? m_fields[index] : std::string_view();
+    }
+
+  private:
+    QByteArray m_flat; // never changed once the fields look into it: copies share it
+    std::vector<std::string_view> m_fields;
+};
 
 /// Number of the first rule that a datagram breaks, 1 to 10, or 0 for a sound one: 1 first byte
 /// "$"; 2 fourth byte "S"; 3 legal content identifier; 4 samples 1 to 1000; 5 time; 6 day;
 /// 7 month; 8 year; 9 as many fields as samples ask for, give or take two; 10 a backslash, CR, LF
 /// at the end. Fields that are not there read as empty.
-int fnVerifySXX(const QByteArray& text, const std::vector<QByteArray>& fields);
+int fnVerifySXX(const QByteArray& text, const DatagramFields& fields);
 
 /// A converted profile: one vector of values for each quantity.
 using ConvertedProfile = std::vector<QVector<float>>;

@@ -11,31 +11,31 @@ namespace datagram {
 
 namespace {
 
-constexpr int headerFields = 7;
-constexpr int rowFields = 5;
-constexpr int positionFields = 4;
+constexpr std::size_t headerFields = 7;
+constexpr std::size_t rowFields = 5;
+constexpr std::size_t positionFields = 4;
 
-std::string_view viewOf(const QByteArray& bytes)
+QByteArray bytesOf(std::string_view text)
 {
-    return {bytes.constData(), std::size_t(bytes.size())};
+    return {text.data(), int(text.size())};
 }
 
-QByteArray fieldAt(const std::vector<QByteArray>& fields, int index)
+std::size_t placeOf(int sample, int column)
 {
-    return std::size_t(index) < fields.size() ? fields[std::size_t(index)] : QByteArray();
+    return headerFields + rowFields * std::size_t(sample) + std::size_t(column);
 }
 
 // A coordinate, in degrees times 100 plus minutes, as decimal degrees. Each field of a position
 // that is there has at least three characters.
-QString decimalDegrees(const QByteArray& field, const QByteArray& letter, char negativeLetter)
+QString decimalDegrees(std::string_view field, std::string_view letter, char negativeLetter)
 {
-    constexpr int shortest = 3;
+    constexpr std::size_t shortest = 3;
     if (field.size() < shortest)
         return {};
-    double value = settings::leadingDouble(viewOf(field));
+    double value = settings::leadingDouble(field);
     if (!std::isfinite(value))
         return {};
-    if (letter.trimmed() == QByteArray(1, negativeLetter))
+    if (profile::trimmedText(letter) == std::string_view(&negativeLetter, 1))
         value = -value;
     const double degrees = std::trunc(value / 100.0);
     const double minutes = value - degrees * 100.0;
@@ -43,49 +43,49 @@ QString decimalDegrees(const QByteArray& field, const QByteArray& letter, char n
 }
 
 // A comment with commas of its own stands in more than one field.
-QString commentOf(const std::vector<QByteArray>& fields, int samples)
+QString commentOf(const DatagramFields& fields, int samples)
 {
-    const std::size_t regular = std::size_t(headerFields + rowFields * samples + 6);
+    const std::size_t first = std::min(placeOf(samples, 6), fields.size() - 1);
     QByteArray text;
-    for (std::size_t i = std::min(regular, fields.size() - 1); i < fields.size(); ++i) {
-        if (!text.isEmpty() || i > regular)
+    for (std::size_t i = first; i < fields.size(); ++i) {
+        if (i > first)
             text += ',';
-        text += fields[i];
+        text += bytesOf(fields[i]);
     }
     const int star = text.lastIndexOf('*');
-    return profile::decodedText(viewOf(star < 0 ? text : text.left(star)));
+    if (star >= 0)
+        text.truncate(star);
+    return profile::decodedText({text.constData(), std::size_t(text.size())});
 }
 
 } // namespace
 
 double SspDatagram::value(int sample, int column) const
 {
-    return settings::leadingDouble(
-        viewOf(fieldAt(fields, headerFields + rowFields * sample + column)));
+    return settings::leadingDouble(fields[placeOf(sample, column)]);
 }
 
-SspDatagram readFields(std::vector<QByteArray> fields)
+SspDatagram readFields(const DatagramFields& fields)
 {
-    constexpr int identifierPlace = 4;
+    constexpr std::size_t identifierPlace = 4;
+    const std::string_view tag = fields[0];
     SspDatagram read;
-    read.identifier =
-        contentIdentifier(settings::leadingInt(viewOf(fieldAt(fields, 0).mid(identifierPlace))));
-    read.tag = fieldAt(fields, 0).mid(1);
-    read.number = fieldAt(fields, 1);
-    read.samples = settings::leadingInt(viewOf(fieldAt(fields, 2)));
-    read.time = fieldAt(fields, 3);
-    read.day = fieldAt(fields, 4);
-    read.month = fieldAt(fields, 5);
-    read.year = fieldAt(fields, 6);
-    const int position = headerFields + rowFields * read.samples;
-    if (fields.size() > std::size_t(position - headerFields + positionFields)) {
-        read.latitude =
-            decimalDegrees(fieldAt(fields, position), fieldAt(fields, position + 1), 'S');
-        read.longitude =
-            decimalDegrees(fieldAt(fields, position + 2), fieldAt(fields, position + 3), 'W');
+    read.identifier = contentIdentifier(
+        tag.size() < identifierPlace ? 0 : settings::leadingInt(tag.substr(identifierPlace)));
+    read.tag = bytesOf(tag).mid(1);
+    read.number = bytesOf(fields[1]);
+    read.samples = settings::leadingInt(fields[2]);
+    read.time = bytesOf(fields[3]);
+    read.day = bytesOf(fields[4]);
+    read.month = bytesOf(fields[5]);
+    read.year = bytesOf(fields[6]);
+    const std::size_t position = placeOf(read.samples, 0);
+    if (fields.size() > position - headerFields + positionFields) {
+        read.latitude = decimalDegrees(fields[position], fields[position + 1], 'S');
+        read.longitude = decimalDegrees(fields[position + 2], fields[position + 3], 'W');
     }
     read.comment = commentOf(fields, read.samples);
-    read.fields = std::move(fields);
+    read.fields = fields;
     return read;
 }
 
@@ -94,9 +94,8 @@ profile::DecimalCounts shownDecimals(const SspDatagram& datagram)
     const ContentIdentifier& carried = datagram.identifier;
     profile::DecimalCounts shown = {0, 0, 0, 0, 0, 0};
     const auto raise = [&datagram](int& count, int sample, int column) {
-        const QByteArray field =
-            fieldAt(datagram.fields, headerFields + rowFields * sample + column).trimmed();
-        count = std::max(count, profile::fnFindPrecision(QString::fromLatin1(field), 0));
+        count =
+            std::max(count, profile::fnFindPrecision(datagram.fields[placeOf(sample, column)], 0));
     };
     const bool isAlternative = carried.first == FirstColumn::Alternative || carried.firstIsPressure;
     for (int sample = 0; sample < datagram.samples; ++sample) {
@@ -128,16 +127,22 @@ QByteArray leadingIdentifier(const QByteArray& text)
 QByteArray firstDatagram(const QByteArray& text)
 {
     QByteArray datagram = text;
-    const int lines = text.count('\n');
-    if (!text.contains('\r'))
+    const int firstEnd = text.indexOf('\n');
+    if (firstEnd >= 0 && text.indexOf('\r') < 0) {
         datagram.replace('\n', "\r\n");
-    else if (text.count("\r\r\n") == lines && text.count('\r') == 2 * lines)
-        datagram.replace("\r\r\n", "\r\n");
-    const QByteArray end = "\\\r\n";
+    } else if (firstEnd > 1 && text[firstEnd - 1] == '\r' && text[firstEnd - 2] == '\r') {
+        const int lines = text.count('\n');
+        if (text.count("\r\r\n") == lines && text.count('\r') == 2 * lines)
+            datagram.replace("\r\r\n", "\r\n");
+    }
     constexpr int checksumLength = 3; // "*" and two digits
-    for (int found = datagram.indexOf(end); found >= 0; found = datagram.indexOf(end, found + 1)) {
-        if (found >= checksumLength && datagram[found - checksumLength] == '*')
-            return datagram.left(found + end.size());
+    for (int found = datagram.indexOf('\\'); found >= 0;
+         found = datagram.indexOf('\\', found + 1)) {
+        const int end = found + 3;
+        if (found >= checksumLength && datagram.at(found - checksumLength) == '*' &&
+            end <= datagram.size() && datagram.at(found + 1) == '\r' &&
+            datagram.at(found + 2) == '\n')
+            return datagram.left(end);
     }
     return datagram;
 }

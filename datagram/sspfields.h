@@ -1,12 +1,11 @@
 #pragma once
 
 #include "datagram/contentidentifier.h"
+#include "datagram/sspdatagram.h"
 #include "profile/decimalcounts.h"
 
 #include <QByteArray>
 #include <QString>
-
-#include <vector>
 
 /// Taking a sound speed profile datagram apart.
 namespace datagram {
@@ -25,14 +24,14 @@ struct SspDatagram
     QString latitude;  ///< decimal degrees with eight decimals, negative south; empty for none
     QString longitude; ///< the same, negative west
     QString comment;
-    std::vector<QByteArray> fields;
+    DatagramFields fields;
 
     /// Number of sample `sample` (from 0) in column `column` (0 to 4); 0 for none.
     double value(int sample, int column) const;
 };
 
 /// Reads the header, the position and the comment out of `fields`.
-SspDatagram readFields(std::vector<QByteArray> fields);
+SspDatagram readFields(const DatagramFields& fields);
 
 /// Decimals that the rows show in the columns that the content identifier carries.
 profile::DecimalCounts shownDecimals(const SspDatagram& datagram);

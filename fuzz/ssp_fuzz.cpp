@@ -9,10 +9,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const QByteArray text =
         datagram::firstDatagram(QByteArray(reinterpret_cast<const char*>(data), int(size)));
-    std::vector<QByteArray> fields = datagram::datagramFields(text);
+    const datagram::DatagramFields fields(text);
     if (datagram::fnVerifySXX(text, fields) != 0)
         return 0;
-    const datagram::SspDatagram read = datagram::readFields(std::move(fields));
+    const datagram::SspDatagram read = datagram::readFields(fields);
     const profile::DecimalCounts shown = datagram::shownDecimals(read);
     if (read.samples < 1 || read.samples > 1000 || shown.depth < 0)
         std::abort();

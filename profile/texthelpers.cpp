@@ -76,17 +76,23 @@ bool getFieldValue(std::string_view line, std::string_view key, std::string_view
 
 int fnFindPrecision(const QString& number, int minimum)
 {
-    const QString text = number.trimmed();
-    if (text.isEmpty())
+    const QByteArray text = number.toUtf8();
+    return fnFindPrecision(std::string_view(text.constData(), std::size_t(text.size())), minimum);
+}
+
+int fnFindPrecision(std::string_view number, int minimum)
+{
+    const std::string_view text = trimmedText(number);
+    if (text.empty())
         return 0;
     const int least = std::max(minimum, 0);
-    const int point = text.indexOf(QLatin1Char('.'));
-    if (point < 0)
+    const std::size_t point = text.find('.');
+    if (point == std::string_view::npos)
         return least;
-    int digits = 0;
-    while (point + 1 + digits < text.size() && text[point + 1 + digits].isDigit())
-        ++digits;
-    return std::max(digits, least);
+    std::size_t end = point + 1;
+    while (end < text.size() && text[end] >= '0' && text[end] <= '9')
+        ++end;
+    return std::max(int(end - point - 1), least);
 }
 
 } // namespace profile

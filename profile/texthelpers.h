@@ -27,5 +27,6 @@ bool getFieldValue(std::string_view line, std::string_view key, std::string_view
 /// Number of digits behind the "." of a number as text, but at least `minimum`. Text without a
 /// "." gives the minimum (0 if that is negative), empty text gives 0.
 int fnFindPrecision(const QString& number, int minimum);
+int fnFindPrecision(std::string_view number, int minimum);
 
 } // namespace profile

@@ -287,7 +287,7 @@ TEST_F(Calc, doesWithoutAFolder)
 TEST_F(Calc, takesNoMoreMemoryThanFieldsThatCanBeLegal)
 {
     EXPECT_EQ(convert("$QZS00,0,1000,0,1,1,0," + QByteArray(1 << 20, ',')).report.number, 2609);
-    EXPECT_LE(datagramFields(QByteArray(1 << 20, ',')).size(), 6001U);
+    EXPECT_LE(DatagramFields(QByteArray(1 << 20, ',')).size(), 6001U);
 }
 
 TEST_F(Calc, makesOneWordOfTheSource)

@@ -233,8 +233,8 @@ TEST(SspDatagram, IsTheSameAsAnotherBuilderMakes)
         const BuiltDatagram result = buildDatagram(parts, decimals);
         ASSERT_EQ(result.bytes.toStdString(),
                   built(kind.identifier, kind.columns, parts.columns, decimals));
-        ASSERT_EQ(fnVerifySXX(result.bytes, datagramFields(result.bytes)), 0);
-        ASSERT_EQ(int(datagramFields(result.bytes).size()), 5 * samples + 14 + 1)
+        ASSERT_EQ(fnVerifySXX(result.bytes, DatagramFields(result.bytes)), 0);
+        ASSERT_EQ(int(DatagramFields(result.bytes).size()), 5 * samples + 14 + 1)
             << "the comment has a comma";
     }
 }

@@ -10,7 +10,7 @@ namespace {
 
 SspDatagram read(const SspSample& sample)
 {
-    return readFields(datagramFields(sample.text()));
+    return readFields(DatagramFields(sample.text()));
 }
 
 } // namespace

@@ -9,7 +9,16 @@ namespace {
 
 int verdict(const QByteArray& text)
 {
-    return fnVerifySXX(text, datagramFields(text));
+    return fnVerifySXX(text, DatagramFields(text));
+}
+
+std::vector<QByteArray> listOf(const QByteArray& text)
+{
+    const DatagramFields fields(text);
+    std::vector<QByteArray> list;
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        list.emplace_back(fields[i].data(), int(fields[i].size()));
+    return list;
 }
 
 // A datagram of a header and `rows` rows.
@@ -26,7 +35,7 @@ QByteArray datagramOf(const QByteArray& header, int rows, const QByteArray& end 
 TEST(VerifySXX, OneSampleGivesNineteenFields)
 {
     const QByteArray text = datagramOf("$QZS00,00000,1,123456,15,11,2026,", 1);
-    EXPECT_EQ(datagramFields(text).size(), 19U);
+    EXPECT_EQ(DatagramFields(text).size(), 19U);
     EXPECT_EQ(verdict(text), 0);
 }
 
@@ -125,11 +134,11 @@ TEST(VerifySXX, TheEndIsABackslashAndALineEnd)
 
 TEST(VerifySXX, LineEndsSeparateFields)
 {
-    EXPECT_EQ(datagramFields("a,b\r\nc,d*00\\\r\n"),
+    EXPECT_EQ(listOf("a,b\r\nc,d*00\\\r\n"),
               (std::vector<QByteArray>{"a", "b ", "c", "d*00\\\r\n"}));
-    EXPECT_EQ(datagramFields("a\r\n,b1234567"), (std::vector<QByteArray>{"a ", " b1234567"}));
-    EXPECT_EQ(datagramFields("a\r\n"), (std::vector<QByteArray>{"a\r\n"}));
-    EXPECT_EQ(datagramFields(""), (std::vector<QByteArray>{""}));
+    EXPECT_EQ(listOf("a\r\n,b1234567"), (std::vector<QByteArray>{"a ", " b1234567"}));
+    EXPECT_EQ(listOf("a\r\n"), (std::vector<QByteArray>{"a\r\n"}));
+    EXPECT_EQ(listOf(""), (std::vector<QByteArray>{""}));
 }
 
 TEST(VerifySXX, SurvivesBeingCutAtEachByte)

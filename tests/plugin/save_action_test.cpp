@@ -42,7 +42,7 @@ TEST(SaveAction, ADatagramIsWrittenByteForByte)
     EXPECT_TRUE(
         bytes.startsWith("$QZS00,00000,3,123456,15,11,2026,0.00,1500.00,,,\r\n10.25,1490.50,,,\r\n"
                          "12000.00,1550.00,,,\r\n3330.000000,S,530.000000,E,,,a comment %1*"));
-    EXPECT_EQ(datagram::fnVerifySXX(bytes, datagram::datagramFields(bytes)), 0);
+    EXPECT_EQ(datagram::fnVerifySXX(bytes, datagram::DatagramFields(bytes)), 0);
     unsigned sum = 0;
     for (int i = 1; i < bytes.indexOf('*'); ++i)
         sum ^= static_cast<unsigned char>(bytes[i]);
