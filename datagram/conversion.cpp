@@ -4,12 +4,13 @@
 #include "datagram/convertedfile.h"
 #include "datagram/filewriter.h"
 #include "platform/platform.h"
+#include "profile/filtertable.h"
 #include "seawater/pressure.h"
 #include "seawater/salinity.h"
 #include "seawater/soundspeed.h"
 #include "settings/numbers.h"
 
-#include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -112,11 +113,7 @@ bool writeConverted(const QString& path, const QByteArray& content)
 
 QString convertedFolder()
 {
-    const QString root = platform::dataRoot();
-    return root.isEmpty()
-               ? QString()
-               : QDir::cleanPath(root +
-                                 platform::nativePath(QStringLiteral("\\qrvdata\\svp_abscoeff")));
+    return profile::filterFolder();
 }
 
 Conversion calcS00(const QByteArray& text, const QString& folder,

@@ -86,6 +86,19 @@ class CSVP_WebInterface : public WebInterface
     /// One value of the profile converted last, see `datagram::getFromS00`.
     double getFromS00(int index, int vector) const;
 
+    /// Whether what is wrong with the table of import filters is told to the front end.
+    enum class FilterFaults
+    {
+        Sent,
+        Silent
+    };
+
+    /// The valid rows of the user's table of import filters, read from its file at each call, as
+    /// the table writes them; none when the file cannot be opened. Unless `faults` says
+    /// otherwise, "File not opened." or the fault of each row that is left out goes out as a
+    /// failure of GetAllFilters.
+    QStringList getSvpFilters(FilterFaults faults = FilterFaults::Sent);
+
     /// Appends an alert text to the pending ones, which are sent after the reply of this turn;
     /// texts of one turn are separated by a line feed.
     void addPendingAlert(const std::string& text);
@@ -138,6 +151,7 @@ class CSVP_WebInterface : public WebInterface
     void saveAsvp(const QVector<QStringRef>& pieces);
     void refuseSave(const QString& reason);
     void answerSaved(const QString& path);
+    bool readFilters(QStringList& rows, FilterFaults faults);
     void answerPairList(QLatin1String whoami, const QString& body, const QString& done);
 
     void handleOpenRequest(const QString& body);

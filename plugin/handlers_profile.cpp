@@ -39,7 +39,8 @@ bool CSVP_WebInterface::handleOpenSVP(const QString& body, const QByteArray& con
     const profile::OpenedProfile opened =
         isUpload && !storeUpload(folder, name, content)
             ? profile::OpenedProfile{{}, QStringLiteral("Error saving file."), {}}
-            : profile::openProfile(folder, name, svpFilters, openSsp);
+            : profile::openProfile(folder, name, svpFilters + getSvpFilters(FilterFaults::Silent),
+                                   openSsp);
     postErrorText = opened.reason;
     const bool isOpen = opened.reason.isEmpty();
     if (isOpen) {

@@ -55,24 +55,6 @@ void CSVP_WebInterface::handleShowRaypath(const QString& body)
     send(unserved(action::rayPath, "Tracing a ray path"));
 }
 
-void CSVP_WebInterface::handleSaveFilter(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::saveFilter, "Saving an import filter"));
-}
-
-void CSVP_WebInterface::handleGetAllFilters(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::allFilters, "Listing the import filters"));
-}
-
-void CSVP_WebInterface::handleDeleteFilter(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::deleteFilter, "Deleting an import filter"));
-}
-
 void CSVP_WebInterface::handleSelectExtentionFile(const QString& body)
 {
     Q_UNUSED(body)

@@ -1,37 +1,28 @@
 #include "profile/importfilter.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 
 namespace profile {
 
 namespace {
 
-constexpr int fieldCount = 12;
-
-char separatorOf(const QString& word)
+// Reads a number that is the whole of `text`.
+template <typename Number> bool readWhole(const QString& text, Number& number)
 {
-    struct Separator
-    {
-        const char* word;
-        char character;
-    };
-    constexpr Separator separators[] = {
-        {"space", ' '}, {"tab", '\t'}, {"semicolon", ';'}, {"colon", ':'}, {"comma", ','},
-    };
-    for (const Separator& separator : separators) {
-        if (word.compare(QLatin1String(separator.word), Qt::CaseInsensitive) == 0)
-            return separator.character;
-    }
-    return ' ';
+    const QByteArray bytes = text.toUtf8();
+    const char* begin = bytes.constData();
+    const char* const end = begin + bytes.size();
+    if (bytes.size() > 1 && begin[0] == '+' && begin[1] != '-')
+        ++begin;
+    const auto parsed = std::from_chars(begin, end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end;
 }
 
-SalinityWord salinityWordOf(const QString& word)
+bool isWord(const QString& text, const char* word)
 {
-    if (word.compare(QLatin1String("salinity"), Qt::CaseInsensitive) == 0)
-        return SalinityWord::Salinity;
-    if (word.compare(QLatin1String("conductivity"), Qt::CaseInsensitive) == 0)
-        return SalinityWord::Conductivity;
-    return SalinityWord::Undefined;
+    return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -49,25 +40,90 @@ const QStringList& builtInFilters()
     return lines;
 }
 
+QString withoutWhiteSpace(const QString& text)
+{
+    // A byte order mark that ended up inside a text would be taken for the file's own once it
+    // stands first in the table.
+    QString dense = text;
+    auto* const end = std::remove_if(dense.begin(), dense.end(), [](QChar character) {
+        return character.isSpace() || character == QChar(QChar::ByteOrderMark);
+    });
+    dense.truncate(int(end - dense.begin()));
+    return dense;
+}
+
+bool readFilterColumn(const QString& text, int& column)
+{
+    if (readWhole(text, column) && column <= maxFilterColumn)
+        return true;
+    column = -1;
+    return false;
+}
+
+double filterFactor(const QString& text)
+{
+    constexpr double leastShown = 0.0005;
+    double factor = 0.0;
+    if (!readWhole(text, factor) || !std::isfinite(factor) || (factor > 0 && factor < leastShown))
+        return -1.0;
+    return factor == 0 ? 0.0 : factor; // no "-0.000"
+}
+
+bool readSeparator(const QString& word, char& character)
+{
+    struct Separator
+    {
+        const char* word;
+        char character;
+    };
+    constexpr Separator separators[] = {
+        {"space", ' '}, {"tab", '\t'}, {"semicolon", ';'}, {"colon", ':'}, {"comma", ','},
+    };
+    for (const Separator& separator : separators) {
+        if (isWord(word, separator.word)) {
+            character = separator.character;
+            return true;
+        }
+    }
+    character = ' ';
+    return false;
+}
+
+bool readSalinityWord(const QString& word, SalinityWord& meaning)
+{
+    meaning = SalinityWord::Undefined;
+    if (isWord(word, "salinity"))
+        meaning = SalinityWord::Salinity;
+    else if (isWord(word, "conductivity"))
+        meaning = SalinityWord::Conductivity;
+    else
+        return isWord(word, "undef");
+    return true;
+}
+
 bool parseFilterRow(const QString& line, FilterRow& row)
 {
-    const QStringList fields = line.split(QLatin1Char(','));
-    if (fields.size() != fieldCount)
+    const QString text = withoutWhiteSpace(line);
+    // Counted first: a long line of commas would cost a string for each.
+    if (text.count(QLatin1Char(',')) != filterFields - 1)
         return false;
+    const QStringList fields = text.split(QLatin1Char(','));
     row.name = fields[0];
     row.postfix = fields[1];
     tagDecodeFmt format;
-    format.depthColumn = fields[2].toInt();
-    format.speedColumn = fields[3].toInt();
-    format.temperatureColumn = fields[4].toInt();
-    format.salinityColumn = fields[5].toInt();
-    format.absorptionColumn = fields[6].toInt();
+    readFilterColumn(fields[2], format.depthColumn);
+    readFilterColumn(fields[3], format.speedColumn);
+    readFilterColumn(fields[4], format.temperatureColumn);
+    readFilterColumn(fields[5], format.salinityColumn);
+    readFilterColumn(fields[6], format.absorptionColumn);
     format.skipLines = fields[7];
-    format.depthFactor = fields[8].toDouble();
-    format.speedFactor = fields[9].toDouble();
+    format.depthFactor = filterFactor(fields[8]);
+    format.speedFactor = filterFactor(fields[9]);
     format.largestColumn = std::max(format.depthColumn, format.speedColumn);
-    format.separator = separatorOf(fields[10]);
-    format.salinityWord = salinityWordOf(fields[11]);
+    row.separator = fields[10];
+    readSeparator(row.separator, format.separator);
+    row.salinity = fields[11];
+    readSalinityWord(row.salinity, format.salinityWord);
     row.format = format;
     return true;
 }
@@ -75,7 +131,8 @@ bool parseFilterRow(const QString& line, FilterRow& row)
 bool findFilter(const QStringList& lines, const QString& fileName, FilterRow& row)
 {
     return std::any_of(lines.begin(), lines.end(), [&](const QString& line) {
-        return parseFilterRow(line, row) && fileName.endsWith(row.postfix, Qt::CaseInsensitive);
+        return parseFilterRow(line, row) && !row.postfix.isEmpty() &&
+               fileName.endsWith(row.postfix, Qt::CaseInsensitive);
     });
 }
 

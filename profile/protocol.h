@@ -55,6 +55,7 @@ constexpr QLatin1String file = word("file");
 constexpr QLatin1String svpType = word("svptype");
 constexpr QLatin1String fullName = word("fullname");
 constexpr QLatin1String toFix = word("tofix");
+constexpr QLatin1String filters = word("filters");
 } // namespace reply
 
 /// Keys of the seven arrays of a profile, in the order of a sample record's slots.

@@ -53,9 +53,8 @@ TEST(Dispatch, EveryActionAnswersUnderItsName)
 TEST(Dispatch, WhatIsNotServedSaysSo)
 {
     Engine engine;
-    for (const char* action :
-         {"FixProfile", "ExtendWithFile", "ExtendDefault", "ExtendTempSal", "Thin", "ShowRaypath",
-          "SaveFilter", "GetAllFilters", "DeleteFilter", "SelectExtentionFile"}) {
+    for (const char* action : {"FixProfile", "ExtendWithFile", "ExtendDefault", "ExtendTempSal",
+                               "Thin", "ShowRaypath", "SelectExtentionFile"}) {
         EXPECT_TRUE(
             outcome(engine.request(QLatin1String(action)))
                 .endsWith(QLatin1String(" is not available in this version of the engine.")))
