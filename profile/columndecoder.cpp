@@ -1,97 +1,11 @@
 #include "profile/columndecoder.h"
 
+#include "profile/rowreader.h"
 #include "profile/textfile.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <limits>
 
 namespace profile {
-
-namespace {
-
-// Cuts one line into columns, kept from line to line to spare the memory.
-class Columns
-{
-  public:
-    explicit Columns(char separator) : m_separator(separator) {}
-
-    void split(std::string_view line)
-    {
-        m_fields.clear();
-        if (m_separator == ' ')
-            splitAtBlanks(line);
-        else
-            splitAtEach(line);
-    }
-
-    std::size_t size() const { return m_fields.size(); }
-
-    // The number in a column. False when there is none, or no finite one.
-    bool number(int column, double& value) const
-    {
-        if (column < 0 || std::size_t(column) >= m_fields.size())
-            return false;
-        std::string_view field = trimmedText(m_fields[std::size_t(column)]);
-        if (field.size() > 1 && field[0] == '+' && field[1] != '-')
-            field.remove_prefix(1);
-        const char* const end = field.data() + field.size();
-        const auto parsed = std::from_chars(field.data(), end, value);
-        // Too large for a number, or too small: Qt tells, with infinity or 0.
-        if (parsed.ec == std::errc::result_out_of_range)
-            value = QByteArray(field.data(), int(field.size())).toDouble();
-        else if (parsed.ec != std::errc())
-            return false;
-        return parsed.ptr == end && std::isfinite(value);
-    }
-
-    // Digits behind the point of the number in a column.
-    int decimals(int column) const
-    {
-        if (column < 0 || std::size_t(column) >= m_fields.size())
-            return 0;
-        const std::string_view field = m_fields[std::size_t(column)];
-        const std::size_t point = field.find('.');
-        if (point == std::string_view::npos)
-            return 0;
-        const std::size_t end = field.find_first_not_of("0123456789", point + 1);
-        return int(std::min(end, field.size()) - point - 1);
-    }
-
-  private:
-    void splitAtBlanks(std::string_view line)
-    {
-        constexpr std::string_view blanks = " \t";
-        std::size_t start = line.find_first_not_of(blanks);
-        while (start != std::string_view::npos) {
-            const std::size_t end = std::min(line.find_first_of(blanks, start), line.size());
-            m_fields.push_back(line.substr(start, end - start));
-            start = line.find_first_not_of(blanks, end);
-        }
-    }
-
-    void splitAtEach(std::string_view line)
-    {
-        std::size_t start = 0;
-        for (std::size_t end = line.find(m_separator); end != std::string_view::npos;
-             end = line.find(m_separator, start)) {
-            m_fields.push_back(line.substr(start, end - start));
-            start = end + 1;
-        }
-        m_fields.push_back(line.substr(start));
-    }
-
-    char m_separator;
-    std::vector<std::string_view> m_fields;
-};
-
-bool fitsFloat(double value)
-{
-    return std::abs(value) <= double(std::numeric_limits<float>::max());
-}
-
-} // namespace
 
 LineSet::LineSet(const QString& text)
 {
@@ -124,46 +38,54 @@ bool LineSet::contains(qint64 line) const
     return next != m_ranges.begin() && line <= std::prev(next)->second;
 }
 
+void RecordBuilder::append(const std::array<float, recordSlots>& level)
+{
+    if (m_used + recordSlots > m_record.size())
+        m_record.resize(std::max(m_record.size() * 2, firstLevels * recordSlots));
+    std::copy(level.begin(), level.end(), m_record.data() + m_used);
+    m_used += recordSlots;
+}
+
+QVector<float> RecordBuilder::take()
+{
+    m_record.resize(m_used);
+    m_used = 0;
+    return std::exchange(m_record, {});
+}
+
 QVector<float> decodeColumns(std::string_view text, const tagDecodeFmt& format,
                              DecimalCounts* decimals)
 {
-    QVector<float> record;
+    const RowReader<5> columns(format.separator,
+                               {format.depthColumn, format.speedColumn, format.temperatureColumn,
+                                format.salinityColumn, format.absorptionColumn});
     const LineSet skipped(format.skipLines);
-    Columns columns(format.separator);
+    RecordBuilder record;
+    DecimalCounts shown;
     LineReader lines(text);
     std::string_view line;
     while (lines.next(line)) {
         if (skipped.contains(lines.number()))
             continue;
-        columns.split(line);
-        double depth = 0.0;
-        double speed = 0.0;
-        if (!columns.number(format.depthColumn, depth) ||
-            !columns.number(format.speedColumn, speed))
+        const auto [depth, speed, temperature, salinity, absorption] = columns.read(line);
+        const double depthValue = depth.value * format.depthFactor;
+        const double speedValue = speed.value * format.speedFactor;
+        if (!fitsFloat(depthValue) || !fitsFloat(speedValue))
             continue;
-        depth *= format.depthFactor;
-        speed *= format.speedFactor;
-        if (!fitsFloat(depth) || !fitsFloat(speed))
-            continue;
-        const auto further = [&columns](int column) {
-            double value = 0.0;
-            return columns.number(column, value) && fitsFloat(value) ? float(value) : 0.0F;
+        const auto further = [](const ColumnNumber& number) {
+            return fitsFloat(number.value) ? float(number.value) : 0.0F;
         };
-        for (const float value : {float(speed), float(depth), float(depth), float(speed),
-                                  further(format.temperatureColumn), further(format.salinityColumn),
-                                  further(format.absorptionColumn)})
-            record.append(value);
-        if (decimals != nullptr) {
-            DecimalCounts shown;
-            shown.depth = columns.decimals(format.depthColumn);
-            shown.speed = columns.decimals(format.speedColumn);
-            shown.temperature = columns.decimals(format.temperatureColumn);
-            shown.salinity = columns.decimals(format.salinityColumn);
-            shown.absorption = columns.decimals(format.absorptionColumn);
-            decimals->raise(shown);
-        }
+        record.append({float(speedValue), float(depthValue), float(depthValue), float(speedValue),
+                       further(temperature), further(salinity), further(absorption)});
+        shown.depth = std::max(shown.depth, depth.decimals);
+        shown.speed = std::max(shown.speed, speed.decimals);
+        shown.temperature = std::max(shown.temperature, temperature.decimals);
+        shown.salinity = std::max(shown.salinity, salinity.decimals);
+        shown.absorption = std::max(shown.absorption, absorption.decimals);
     }
-    return record;
+    if (decimals != nullptr)
+        decimals->raise(shown);
+    return record.take();
 }
 
 } // namespace profile

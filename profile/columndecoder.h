@@ -5,6 +5,9 @@
 #include <QString>
 #include <QVector>
 
+#include <array>
+#include <cmath>
+#include <limits>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -35,6 +38,7 @@ struct tagDecodeFmt
     double depthFactor = 1.0; ///< a depth in the file times this is in m
     double speedFactor = 1.0; ///< a speed in the file times this is in m/s
     double conductivityFactor = 1.0; ///< a conductivity in the file times this is in mS/cm
+    double pressureFactor = 1.0;     ///< a pressure in the file times this is in dbar
     char separator = ' ';            ///< a blank stands for a run of blanks and tabs
     SalinityWord salinityWord = SalinityWord::Undefined;
 
@@ -64,6 +68,28 @@ constexpr int recordSlots = 7;
 
 /// The fewest values of a record that can go into a reply: two levels.
 constexpr int minRecordValues = 2 * recordSlots;
+
+/// Whether a 32-bit float can hold the value. False for not a number.
+inline bool fitsFloat(double value)
+{
+    return std::abs(value) <= double(std::numeric_limits<float>::max());
+}
+
+/// Gathers the levels of a profile record.
+class RecordBuilder
+{
+  public:
+    void append(const std::array<float, recordSlots>& level);
+
+    /// The record, after which the builder is empty again.
+    QVector<float> take();
+
+  private:
+    static constexpr int firstLevels = 1024;
+
+    QVector<float> m_record; // longer than what is used, so that few levels move the others
+    int m_used = 0;
+};
 
 /// Decodes the samples of `text` into a profile record: seven values per level, one after the
 /// other: sound speed, depth, depth as measured, speed as measured, temperature, salinity,

@@ -2,8 +2,12 @@
 
 #include "platform/platform.h"
 #include "profile/asvpfile.h"
+#include "profile/columnfile.h"
 #include "profile/importfilter.h"
+#include "profile/instrumentdecoders.h"
+#include "profile/instrumentfile.h"
 #include "profile/profilereply.h"
+#include "profile/valeportfile.h"
 
 #include <QByteArray>
 
@@ -61,12 +65,22 @@ OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
     FilterRow filter;
     if (!findFilter(filters, name, filter))
         return refused(QStringLiteral("Filter not found."));
-    if (filter.postfix == QLatin1String(".asvp"))
+    const auto isKind = [&filter](const char* postfix) {
+        return filter.postfix.compare(QLatin1String(postfix), Qt::CaseInsensitive) == 0;
+    };
+    if (isKind(".asvp"))
         return openAsvp(content, filter.format, name);
-    if (filter.postfix == QLatin1String(".ssp"))
+    if (isKind(".ssp"))
         return readSsp(content, name);
-    return refused(QStringLiteral("Files ending in \"") + filter.postfix +
-                   QStringLiteral("\" cannot be opened by this version."));
+    if (isKind(".vp2"))
+        return openInstrumentFile(content, name, fnDecodeValeportVP2,
+                                  QStringLiteral("Valeport vp2 decode problem."));
+    if (isKind(".aml") || isKind(".amlx"))
+        return openInstrumentFile(content, name, fnDecodeAML_AML,
+                                  QStringLiteral("AML aml format decode problem."));
+    if (isKind(".valeport"))
+        return openValeportFile(content, filter.format, name);
+    return openColumnFile(content, filter.format, name);
 }
 
 } // namespace profile

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "profile/decimalcounts.h"
+#include "profile/openedprofile.h"
 #include "profile/profilefolder.h"
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -17,21 +16,14 @@ namespace profile {
 /// and digits at the end. What remains is the name, which may hold commas and "]" itself.
 QString requestedFileName(const QString& request);
 
-/// What opening a file gave: the reply's own keys, or the reason of the failure.
-struct OpenedProfile
-{
-    QJsonObject reply;
-    QString reason;         ///< empty on success
-    DecimalCounts decimals; ///< as the file's own text shows them
-};
-
 /// Reads the content of a datagram file (".ssp"). The rooms that know datagrams build on this one,
 /// so the caller of `openProfile` brings the reader along.
 using SspReader = std::function<OpenedProfile(const QByteArray& content, const QString& name)>;
 
 /// Reads the profile file `name` of `folder`, by the first of the filter rows `filters` that fits
 /// its suffix. Reasons, in the order of the tests: "File does not exist or cannot be opened for
-/// reading", "Filter not found.", then what the kind of file gives.
+/// reading", "Filter not found.", then what the kind of file gives. A suffix that the engine does
+/// not know by itself is that of a column file.
 OpenedProfile openProfile(const ProfileFolder& folder, const QString& name,
                           const QStringList& filters, const SspReader& readSsp);
 

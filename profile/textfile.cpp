@@ -3,6 +3,8 @@
 #include <QTextCodec>
 #include <QTextStream>
 
+#include <cstring>
+
 namespace profile {
 
 QByteArray normalisedText(const QByteArray& raw)
@@ -42,19 +44,31 @@ bool LineReader::next(std::string_view& line)
     if (m_rest.empty())
         return false;
     ++m_number;
-    std::size_t end = 0;
-    while (end < m_rest.size() && m_rest[end] != '\n' && m_rest[end] != '\r')
-        ++end;
-    line = m_rest.substr(0, end);
+    // The next LF is kept until it is passed: a text whose lines end in CR alone is not searched
+    // to its end for each line.
+    if (m_lineFeed < m_rest.data())
+        m_lineFeed = find('\n', m_rest);
+    const std::string_view first(m_rest.data(), std::size_t(m_lineFeed - m_rest.data()));
+    const char* const lineEnd = find('\r', first);
+    line = std::string_view(m_rest.data(), std::size_t(lineEnd - m_rest.data()));
     // CR LF and CR CR LF are one end. Any other CR ends a line by itself.
-    if (m_rest.substr(end, 2) == "\r\n")
+    std::size_t end = line.size();
+    if (m_rest.compare(end, 2, "\r\n") == 0)
         end += 2;
-    else if (m_rest.substr(end, 3) == "\r\r\n")
+    else if (m_rest.compare(end, 3, "\r\r\n") == 0)
         end += 3;
     else if (end < m_rest.size())
         end += 1;
     m_rest.remove_prefix(end);
     return true;
+}
+
+// Where the character stands; the end of the text if it does not.
+const char* LineReader::find(char character, std::string_view text)
+{
+    const void* const found =
+        text.empty() ? nullptr : std::memchr(text.data(), character, text.size());
+    return found != nullptr ? static_cast<const char*>(found) : text.data() + text.size();
 }
 
 } // namespace profile

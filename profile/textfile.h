@@ -31,7 +31,10 @@ class LineReader
     qint64 number() const { return m_number; }
 
   private:
+    static const char* find(char character, std::string_view text);
+
     std::string_view m_rest;
+    const char* m_lineFeed = nullptr; // the next one, or the end of the text
     qint64 m_number = 0;
 };
 

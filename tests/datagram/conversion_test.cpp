@@ -297,3 +297,14 @@ TEST_F(Calc, makesOneWordOfTheSource)
     EXPECT_EQ(convert(sample).report.number, 0);
     EXPECT_TRUE(lines().value(0).contains(" QZS00_12_34_) P 0003 )"));
 }
+
+TEST_F(Calc, survivesACutAtEachByte)
+{
+    SspSample sample;
+    sample.identifier = "50";
+    sample.rows = {"0.5,,8.5,3.5,0.1", "124.5,,2,3.1,0.1"};
+    const QByteArray whole = sample.text();
+    ASSERT_EQ(convert(whole).report.number, 0);
+    for (int length = 0; length < whole.size(); ++length)
+        EXPECT_NE(convert(firstDatagram(whole.left(length))).report.number, 0) << length;
+}

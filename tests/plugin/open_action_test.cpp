@@ -141,7 +141,7 @@ TEST(OpenAction, RefusalsCarryTheirReason)
         {"bytes.asvp", QByteArray("\x80\xFF\xFE( ", 5), "Header not correct in file."},
         {"x.txt", asvp({"0 1500", "1 1500"}), "Filter not found."},
         {"noext", "", "Filter not found."},
-        {"x.vp2", "", "Files ending in \".vp2\" cannot be opened by this version."},
+        {"x.vp2", "", "Valeport vp2 decode problem."},
         {"x.SSP", "", "Header not correct in file."},
     };
     for (const auto& c : cases) {

@@ -90,6 +90,38 @@ TEST(ColumnDecoder, SingleSeparatorsKeepEmptyColumns)
     EXPECT_EQ(depths("1\t\t1500\n2\t1500\n", format), (QVector<float>{1}));
 }
 
+TEST(ColumnDecoder, WhiteSpaceAroundANumberDoesNotCount)
+{
+    tagDecodeFmt format = blanks();
+    format.separator = ',';
+    EXPECT_EQ(depths(" \t1\v , +1500\t\n2 ,1500 x\n3 3,1500\n,1500\n4,\t1500", format),
+              (QVector<float>{1, 4}));
+    format.separator = '\t';
+    EXPECT_EQ(depths(" 1 \t 1500 \n\t2\t1500\n", format), (QVector<float>{1}));
+    EXPECT_EQ(depths("\t \t1\t1500 \t\n", blanks()), (QVector<float>{1}));
+}
+
+TEST(ColumnDecoder, AColumnMayServeTwice)
+{
+    tagDecodeFmt format = blanks();
+    format.temperatureColumn = 0;
+    format.salinityColumn = 1;
+    format.absorptionColumn = 2147483647;
+    EXPECT_EQ(decodeColumns("7 1500\n", format), (QVector<float>{1500, 7, 7, 1500, 7, 1500, 0}));
+}
+
+TEST(ColumnDecoder, DecimalsAreThoseOfTheLevels)
+{
+    DecimalCounts decimals;
+    tagDecodeFmt format = blanks();
+    format.temperatureColumn = 2;
+    decodeColumns("1.250 1500.12345 8\n1.12345678 x 9\n2 1.5e3 8.125x\n", format, &decimals);
+    EXPECT_EQ(decimals.depth, 3);
+    EXPECT_EQ(decimals.speed, 5);
+    EXPECT_EQ(decimals.temperature, 0);
+    EXPECT_EQ(decimals.absorption, 0);
+}
+
 TEST(LineSet, ReadsNumbersAndRanges)
 {
     struct

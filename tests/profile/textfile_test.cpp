@@ -33,6 +33,26 @@ TEST(TextFile, EveryLineEndCountsOnce)
     EXPECT_EQ(linesOf("a\r\r\nb"), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
     EXPECT_EQ(linesOf(""), QStringList());
     EXPECT_EQ(linesOf("\n"), QStringList{QString(QLatin1String(""))});
+    EXPECT_EQ(linesOf("a\rb\nc\r\rd\re"),
+              (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
+                           QString(QLatin1String("")), QStringLiteral("d"), QStringLiteral("e")}));
+    EXPECT_EQ(linesOf("a\r\r\r\nb\r\r"),
+              (QStringList{QStringLiteral("a"), QString(QLatin1String("")), QStringLiteral("b"),
+                           QString(QLatin1String(""))}));
+}
+
+TEST(TextFile, ManyLinesOfOneKindTakeTheirTimeOnce)
+{
+    // Searching each of these lines to the end of the text for another line end would not finish.
+    for (const char* end : {"\r", "\n"}) {
+        const std::string text = std::string(QByteArray(end).repeated(2000000).toStdString()) + "x";
+        LineReader reader(text);
+        std::string_view line;
+        while (reader.next(line)) {
+        }
+        EXPECT_EQ(reader.number(), 2000001);
+        EXPECT_EQ(line, "x");
+    }
 }
 
 TEST(TextFile, EncodingsComeOutAsUtf8)
