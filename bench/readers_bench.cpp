@@ -241,7 +241,7 @@ int main(int argc, char** argv)
     for (const char* const reader : {"asvp", "valeport", "columns", "vp2", "aml"}) {
         const std::string name = reader;
         ratios.push_back({name + ": time per level, 50 000 against 5 000", name + "/50000",
-                          name + "/5000", 0.1, 1.5});
+                          name + "/5000", 0.1, 2.0});
         ratios.push_back({name + " against its numbers alone, 50 000", name + "/50000",
                           name + "Numbers/50000", 1.0, 3.0});
     }

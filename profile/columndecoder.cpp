@@ -28,9 +28,11 @@ LineSet::LineSet(const QString& text)
             merged.back().second = std::max(merged.back().second, range.second);
     }
     m_ranges = std::move(merged);
+    if (!m_ranges.empty())
+        m_last = m_ranges.back().second;
 }
 
-bool LineSet::contains(qint64 line) const
+bool LineSet::isInRange(qint64 line) const
 {
     const auto next = std::upper_bound(
         m_ranges.begin(), m_ranges.end(), line,

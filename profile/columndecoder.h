@@ -57,10 +57,13 @@ class LineSet
   public:
     explicit LineSet(const QString& text);
 
-    bool contains(qint64 line) const;
+    bool contains(qint64 line) const { return line <= m_last && isInRange(line); }
 
   private:
+    bool isInRange(qint64 line) const;
+
     std::vector<std::pair<qint64, qint64>> m_ranges; // sorted, not overlapping
+    qint64 m_last = std::numeric_limits<qint64>::min();
 };
 
 /// Values per level in a profile record.

@@ -9,6 +9,8 @@
 #include "seawater/level.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace profile {
 
@@ -41,15 +43,58 @@ int decimalsOf(const ColumnNumber& measured, const ColumnNumber& origin)
     return measured.isKnown() ? measured.decimals : origin.decimals;
 }
 
+// The numbers of a row, in the order of `Place`.
+enum Place
+{
+    Depth,
+    Speed,
+    Temperature,
+    Salinity,
+    Pressure,
+    Conductivity,
+    PlaceCount
+};
+using Row = std::array<ColumnNumber, PlaceCount>;
+
+// Reads rows. Pressure and conductivity are only read where something else is missing.
+class InstrumentRows
+{
+  public:
+    explicit InstrumentRows(const tagDecodeFmt& format)
+        : m_measured(format.separator, {format.depthColumn, format.speedColumn,
+                                        format.temperatureColumn, format.salinityColumn, -1, -1}),
+          m_all(format.separator,
+                {format.depthColumn, format.speedColumn, format.temperatureColumn,
+                 format.salinityColumn, format.pressureColumn, format.conductivityColumn}),
+          m_needsSalinity(format.conductivityColumn >= 0),
+          m_needsAll(format.depthColumn < 0 || format.speedColumn < 0 ||
+                     (format.salinityColumn < 0 && m_needsSalinity))
+    {
+    }
+
+    Row read(std::string_view line) const
+    {
+        if (m_needsAll)
+            return m_all.read(line);
+        const Row row = m_measured.read(line);
+        const bool isWhole = row[Depth].isKnown() && row[Speed].isKnown() &&
+                             (row[Salinity].isKnown() || !m_needsSalinity);
+        return isWhole ? row : m_all.read(line);
+    }
+
+  private:
+    RowReader<PlaceCount> m_measured;
+    RowReader<PlaceCount> m_all;
+    bool m_needsSalinity; // there is something to compute it from
+    bool m_needsAll;
+};
+
 } // namespace
 
 InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt& format)
 {
     constexpr int decimalsPerMegapascal = 2; // that dbar do not show
-    const RowReader<6> columns(format.separator,
-                               {format.depthColumn, format.speedColumn, format.temperatureColumn,
-                                format.salinityColumn, format.pressureColumn,
-                                format.conductivityColumn});
+    const InstrumentRows rows(format);
     const LineSet skipped(format.skipLines);
     const double latitude = latitudeOf(format);
     const bool isPressureFirst = format.depthColumn < 0;
@@ -62,17 +107,19 @@ InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt&
     while (lines.next(line)) {
         if (skipped.contains(lines.number()))
             continue;
-        const auto [depth, speed, temperature, salinity, pressure, conductivity] =
-            columns.read(line);
+        const Row row = rows.read(line);
         seawater::Level level;
-        level.depth = scaled(depth, format.depthFactor);
-        level.speed = scaled(speed, format.speedFactor);
-        level.temperature = scaled(temperature, 1.0);
-        level.salinity = scaled(salinity, 1.0);
-        level.pressure = scaled(pressure, format.pressureFactor);
-        level.conductivity = scaled(conductivity, format.conductivityFactor);
-        if (!seawater::completeLevel(level, latitude) || !fitsFloat(level.depth) ||
-            !fitsFloat(level.speed))
+        level.depth = scaled(row[Depth], format.depthFactor);
+        level.speed = scaled(row[Speed], format.speedFactor);
+        level.temperature = scaled(row[Temperature], 1.0);
+        level.salinity = scaled(row[Salinity], 1.0);
+        level.pressure = scaled(row[Pressure], format.pressureFactor);
+        level.conductivity = scaled(row[Conductivity], format.conductivityFactor);
+        const bool isWhole = !std::isnan(level.depth) && !std::isnan(level.speed) &&
+                             (!std::isnan(level.salinity) || std::isnan(level.conductivity));
+        if (!isWhole && !seawater::completeLevel(level, latitude))
+            continue;
+        if (!fitsFloat(level.depth) || !fitsFloat(level.speed))
             continue;
         const float first =
             isPressureFirst ? orZero(level.pressure / dbarPerMegapascal) : float(level.depth);
@@ -80,13 +127,13 @@ InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt&
                        orZero(level.temperature), orZero(level.salinity), 0.0F});
         result.hasWater =
             result.hasWater && fitsFloat(level.temperature) && fitsFloat(level.salinity);
-        shown.depth = std::max(shown.depth, decimalsOf(depth, pressure));
-        shown.speed = std::max(shown.speed, speed.decimals);
-        shown.temperature = std::max(shown.temperature, temperature.decimals);
-        shown.salinity = std::max(shown.salinity, decimalsOf(salinity, conductivity));
+        shown.depth = std::max(shown.depth, decimalsOf(row[Depth], row[Pressure]));
+        shown.speed = std::max(shown.speed, row[Speed].decimals);
+        shown.temperature = std::max(shown.temperature, row[Temperature].decimals);
+        shown.salinity = std::max(shown.salinity, decimalsOf(row[Salinity], row[Conductivity]));
         if (isPressureFirst)
             shown.alternative =
-                std::max(shown.alternative, pressure.decimals + decimalsPerMegapascal);
+                std::max(shown.alternative, row[Pressure].decimals + decimalsPerMegapascal);
     }
     result.decimals.raise(shown);
     result.record = record.take();

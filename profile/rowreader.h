@@ -2,11 +2,11 @@
 
 #include <QByteArray>
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string_view>
@@ -36,10 +36,8 @@ template <std::size_t Count> class RowReader
     {
         for (std::size_t place = 0; place < Count; ++place) {
             if (columns[place] >= 0)
-                m_wanted[m_wantedCount++] = {columns[place], place};
+                insert({columns[place], place});
         }
-        std::sort(m_wanted.begin(), m_wanted.begin() + m_wantedCount,
-                  [](const Wanted& a, const Wanted& b) { return a.column < b.column; });
     }
 
     /// The numbers of a line, in the order in which the columns were given.
@@ -72,11 +70,20 @@ template <std::size_t Count> class RowReader
         std::size_t place = 0;
     };
 
+    // Keeps the chosen columns in their order in the line.
+    void insert(const Wanted& wanted)
+    {
+        std::size_t at = m_wantedCount++;
+        for (; at > 0 && m_wanted[at - 1].column > wanted.column; --at)
+            m_wanted[at] = m_wanted[at - 1];
+        m_wanted[at] = wanted;
+    }
+
     bool isSeparator(char c) const { return c == m_separator || (m_isBlank && c == '\t'); }
 
     bool isPadding(char c) const
     {
-        return (c == ' ' || c == '\t' || c == '\v' || c == '\f') && !isSeparator(c);
+        return c <= ' ' && (c == ' ' || c == '\t' || c == '\v' || c == '\f') && !isSeparator(c);
     }
 
     const char* skipSeparators(const char* at, const char* end) const
@@ -111,21 +118,73 @@ template <std::size_t Count> class RowReader
             ++at;
         if (end - at > 1 && at[0] == '+' && at[1] != '-')
             ++at;
+        ColumnNumber parsed;
+        const char* behind = parsePlain(at, end, parsed);
+        if (behind == nullptr || !isColumnEnd(behind, end))
+            behind = parseAny(at, end, parsed);
+        if (behind == nullptr || !isColumnEnd(behind, end))
+            return at;
+        number = parsed;
+        return behind;
+    }
+
+    // Whether nothing but white space stands between here and the end of the column.
+    bool isColumnEnd(const char* at, const char* end) const
+    {
+        while (at < end && isPadding(*at))
+            ++at;
+        return at == end || isSeparator(*at);
+    }
+
+    // Digits with or without a point, as nearly all numbers are: up to 15 digits are a whole number
+    // that a double holds exactly, and so is the power of ten to divide it by, so that the quotient
+    // is the nearest double. Null when there are more digits, or none.
+    static const char* parsePlain(const char* at, const char* end, ColumnNumber& number)
+    {
+        constexpr int maxDigits = 15;
+        constexpr double powers[maxDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+        const bool isNegative = at < end && *at == '-';
+        if (isNegative)
+            ++at;
+        const char* const start = at;
+        std::int64_t digits = 0;
+        // A run too long is cut here, and refused below.
+        const char* const limit = end - at > maxDigits + 2 ? at + maxDigits + 2 : end;
+        for (; at < limit && *at >= '0' && *at <= '9'; ++at)
+            digits = digits * 10 + (*at - '0');
+        auto count = at - start;
+        std::ptrdiff_t decimals = 0;
+        if (at < limit && *at == '.') {
+            const char* const point = at;
+            for (++at; at < limit && *at >= '0' && *at <= '9'; ++at)
+                digits = digits * 10 + (*at - '0');
+            decimals = at - point - 1;
+            count += decimals;
+        }
+        if (count == 0 || count > maxDigits)
+            return nullptr;
+        const double size = double(digits) / powers[decimals];
+        number.value = isNegative ? -size : size;
+        number.decimals = int(decimals);
+        return at;
+    }
+
+    // Any number that the standard library reads, if it is finite.
+    static const char* parseAny(const char* at, const char* end, ColumnNumber& number)
+    {
         double value = 0.0;
         const auto parsed = std::from_chars(at, end, value);
         // Too large for a number, or too small: Qt tells, with infinity or 0.
         if (parsed.ec == std::errc::result_out_of_range)
             value = QByteArray(at, int(parsed.ptr - at)).toDouble();
         else if (parsed.ec != std::errc())
-            return at;
-        const char* behind = parsed.ptr;
-        while (behind < end && isPadding(*behind))
-            ++behind;
-        if ((behind < end && !isSeparator(*behind)) || !std::isfinite(value))
-            return at;
+            return nullptr;
+        if (!std::isfinite(value))
+            return nullptr;
         number.value = value;
         number.decimals = decimalsOf(at, parsed.ptr);
-        return behind;
+        return parsed.ptr;
     }
 
     static int decimalsOf(const char* at, const char* end)

@@ -28,7 +28,7 @@ HeaderColumn columnOf(std::string_view line)
     return withUnitApart({entry.key, words.size() > 1 ? words[1] : std::string_view()});
 }
 
-// "2022/07/13 01:59:35" and what may follow, with any separators.
+// "2026/06/18 07:42:10" and what may follow, with any separators.
 QString stampOf(std::string_view text)
 {
     constexpr std::size_t length = 19;
