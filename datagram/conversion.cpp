@@ -77,12 +77,13 @@ ProbeSample converted(const SspDatagram& source, int sample, double latitude)
 ConvertedProfile profileOf(const SspDatagram& source, const std::vector<ProbeSample>& levels)
 {
     constexpr int columns = 5;
-    ConvertedProfile profile(ConvertedFirstColumn + columns);
+    constexpr std::size_t firstColumn = ConvertedFirstColumn;
+    ConvertedProfile profile(firstColumn + columns);
     for (std::size_t i = 0; i < levels.size(); ++i) {
         profile[ConvertedSpeed].append(settings::toFloat32(levels[i].speed));
         profile[ConvertedDepth].append(settings::toFloat32(levels[i].depth));
         for (int column = 0; column < columns; ++column)
-            profile[std::size_t(ConvertedFirstColumn + column)].append(
+            profile[firstColumn + std::size_t(column)].append(
                 settings::toFloat32(source.value(int(i), column)));
     }
     return profile;

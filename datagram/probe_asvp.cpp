@@ -26,7 +26,7 @@ using HeaderWords = std::array<std::string_view, headerWords>;
 HeaderWords wordsOf(std::string_view line)
 {
     HeaderWords words;
-    Scanner scanner(line.substr(0, line.find(')')));
+    Scanner scanner(line.substr(0, line.rfind(')')));
     for (std::string_view& word : words)
         scanner.word(word);
     return words;

@@ -1,6 +1,5 @@
 #include "datagram/probe_text.h"
 
-#include "profile/textfile.h"
 #include "settings/numbers.h"
 
 #include <algorithm>
@@ -22,6 +21,21 @@ bool sameLetter(char letter, char lowerCase)
     return lower(letter) == lowerCase;
 }
 
+constexpr bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// As profile::trimmedText, for fields, which are short and many.
+std::string_view trimmedField(std::string_view field)
+{
+    while (!field.empty() && isSpace(field.front()))
+        field.remove_prefix(1);
+    while (!field.empty() && isSpace(field.back()))
+        field.remove_suffix(1);
+    return field;
+}
+
 // As std::from_chars, but with a "+", and with what is too small as 0 and too large as infinity.
 const char* takeNumber(const char* at, const char* end, double& value)
 {
@@ -41,13 +55,12 @@ const char* takeNumber(const char* at, const char* end, double& value)
 
 bool Scanner::number(double& value)
 {
-    Scanner ahead = *this;
-    double found = 0.0;
-    const bool isNumber = ahead.anyNumber(found) && std::isfinite(found);
     skipBlanks();
-    if (!isNumber)
+    double found = 0.0;
+    const char* const behind = takeNumber(m_at, m_end, found);
+    if (behind == m_at || !std::isfinite(found))
         return false;
-    m_at = ahead.m_at;
+    m_at = behind;
     value = found;
     return true;
 }
@@ -56,10 +69,9 @@ bool Scanner::anyNumber(double& value)
 {
     skipBlanks();
     const char* const behind = takeNumber(m_at, m_end, value);
-    if (behind == m_at)
-        return false;
+    const bool isNumber = behind != m_at;
     m_at = behind;
-    return true;
+    return isNumber;
 }
 
 bool Scanner::word(std::string_view& text)
@@ -83,7 +95,7 @@ bool Scanner::mark(char mark)
 
 double wholeNumber(std::string_view field)
 {
-    const std::string_view text = profile::trimmedText(field);
+    const std::string_view text = trimmedField(field);
     double value = 0.0;
     const char* const end = text.data() + text.size();
     const char* const behind = takeNumber(text.data(), end, value);
@@ -94,7 +106,7 @@ double wholeNumber(std::string_view field)
 
 bool wholeDigits(std::string_view field, int& value)
 {
-    const std::string_view text = profile::trimmedText(field);
+    const std::string_view text = trimmedField(field);
     if (text.empty() || text.front() < '0' || text.front() > '9')
         return false;
     int found = 0;

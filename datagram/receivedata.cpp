@@ -13,11 +13,22 @@ using Reader = int (*)(std::string_view text, ProbeCast& cast);
 
 constexpr int formatCount = 14;
 
-// By format number; null where there is no reader.
+// By format number.
 constexpr std::array<Reader, formatCount> readers = {
-    nullptr, nullptr, nullptr, nullptr, probe::readConvertedProfile,
-    nullptr, nullptr, nullptr, nullptr, nullptr,
-    nullptr, nullptr, nullptr, nullptr,
+    probe::readCalcListing,
+    probe::readDelimitedRows,
+    probe::readDelimitedRows,
+    probe::readPressureDatagram,
+    probe::readConvertedProfile,
+    probe::readSeaBirdConverted,
+    probe::readScanListing,
+    probe::readBreakpointProfile,
+    probe::readBreakpointProfile,
+    probe::readSvPlus,
+    probe::readSeaBirdDeckUnit,
+    probe::readCalibrationExtension,
+    probe::readEdf,
+    probe::readPlainColumns,
 };
 
 } // namespace
@@ -26,7 +37,7 @@ int CReceiveData::parse(int format, const QByteArray& text)
 {
     m_format = format;
     m_cast = {};
-    if (format < 0 || format >= formatCount || readers[std::size_t(format)] == nullptr)
+    if (format < 0 || format >= formatCount)
         return 0;
     const QByteArray plain = profile::normalisedText(text);
     std::string_view bytes(plain.constData(), std::size_t(plain.size()));

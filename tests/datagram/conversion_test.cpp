@@ -13,7 +13,7 @@ namespace {
 const settings::ProfileLimits limits;
 const QDateTime noon(QDate(2026, 11, 21), QTime(12, 0, 30));
 
-class Calc : public testing::Test
+class CalcS00 : public testing::Test
 {
   protected:
     Conversion convert(const SspSample& sample) const { return convert(sample.text()); }
@@ -38,7 +38,7 @@ class Calc : public testing::Test
 
 } // namespace
 
-TEST_F(Calc, writesTheLevelsAndGivesThemBack)
+TEST_F(CalcS00, writesTheLevelsAndGivesThemBack)
 {
     const Conversion result = convert(SspSample());
     EXPECT_EQ(result.report.number, 0);
@@ -54,7 +54,7 @@ TEST_F(Calc, writesTheLevelsAndGivesThemBack)
 // A pressure of 100 MPa, 40 °C and a salinity of 40 make 1731.995 m/s, the published check value;
 // 8.1025537 S/m is the conductivity of that salinity there. 9690.563 m is the depth of 10 000 dbar
 // at 45 degrees: (sqrt(1.008^2 + 0.098784) - 1.008) / 4.9392e-6.
-TEST_F(Calc, convertsEachContentIdentifier)
+TEST_F(CalcS00, convertsEachContentIdentifier)
 {
     struct Group
     {
@@ -84,7 +84,7 @@ TEST_F(Calc, convertsEachContentIdentifier)
     }
 }
 
-TEST_F(Calc, takesTheLatitudeIntoTheDepth)
+TEST_F(CalcS00, takesTheLatitudeIntoTheDepth)
 {
     SspSample sample;
     sample.identifier = "07";
@@ -106,7 +106,7 @@ TEST_F(Calc, takesTheLatitudeIntoTheDepth)
     }
 }
 
-TEST_F(Calc, writesPositionsAsDecimalDegrees)
+TEST_F(CalcS00, writesPositionsAsDecimalDegrees)
 {
     const struct
     {
@@ -131,7 +131,7 @@ TEST_F(Calc, writesPositionsAsDecimalDegrees)
     }
 }
 
-TEST_F(Calc, takesTheCurrentTimeToTheMinuteWhereThereIsNone)
+TEST_F(CalcS00, takesTheCurrentTimeToTheMinuteWhereThereIsNone)
 {
     SspSample sample;
     sample.time = "";
@@ -147,7 +147,7 @@ TEST_F(Calc, takesTheCurrentTimeToTheMinuteWhereThereIsNone)
     EXPECT_EQ(files(), 1);
 }
 
-TEST_F(Calc, refusesATimeThatIsNoFileName)
+TEST_F(CalcS00, refusesATimeThatIsNoFileName)
 {
     for (const char* date :
          {"15,11,2026/../..", "15/..,11,2026", "15,11\\..,2026", "15, 11,2026"}) {
@@ -162,7 +162,7 @@ TEST_F(Calc, refusesATimeThatIsNoFileName)
     EXPECT_FALSE(QFileInfo::exists(folder.path(QStringLiteral("x.asvp"))));
 }
 
-TEST_F(Calc, reportsTooFewFieldsBeforeAnyStructure)
+TEST_F(CalcS00, reportsTooFewFieldsBeforeAnyStructure)
 {
     // 14 fields, and not even a "$" in front.
     EXPECT_EQ(convert(QByteArray("x,1,2,3,4,5,6,7,8,9,10,11,12,13")).report.number, 2600);
@@ -171,7 +171,7 @@ TEST_F(Calc, reportsTooFewFieldsBeforeAnyStructure)
     EXPECT_EQ(files(), 0);
 }
 
-TEST_F(Calc, reportsEachStructuralRule)
+TEST_F(CalcS00, reportsEachStructuralRule)
 {
     const QByteArray sound = SspSample().text();
     const auto with = [&sound](const char* before, const char* after) {
@@ -200,7 +200,7 @@ TEST_F(Calc, reportsEachStructuralRule)
         EXPECT_EQ(convert(row.text).report.number, row.number) << row.text.constData();
 }
 
-TEST_F(Calc, reportsEachSampleRule)
+TEST_F(CalcS00, reportsEachSampleRule)
 {
     using Arguments = std::vector<settings::ReportArgument>;
     const struct
@@ -238,7 +238,7 @@ TEST_F(Calc, reportsEachSampleRule)
     }
 }
 
-TEST_F(Calc, readsRowsThatEndInACommaAsFive)
+TEST_F(CalcS00, readsRowsThatEndInACommaAsFive)
 {
     SspSample sample;
     sample.rows = {"0,1500,,,", "12000,1500,,,"};
@@ -249,7 +249,7 @@ TEST_F(Calc, readsRowsThatEndInACommaAsFive)
     EXPECT_EQ(result.profile[ConvertedDepth], (QVector<float>{0, 12000}));
 }
 
-TEST_F(Calc, keepsTheRowsUnroundedAndAsTheyStand)
+TEST_F(CalcS00, keepsTheRowsUnroundedAndAsTheyStand)
 {
     SspSample sample;
     sample.identifier = "14";
@@ -265,7 +265,7 @@ TEST_F(Calc, keepsTheRowsUnroundedAndAsTheyStand)
     EXPECT_EQ(result.profile[ConvertedFirstColumn + 4][0], 0.25F);
 }
 
-TEST_F(Calc, keepsAProfileOfTheSameNameAsABackup)
+TEST_F(CalcS00, keepsAProfileOfTheSameNameAsABackup)
 {
     folder.write(QStringLiteral("qrvdata/svp_abscoeff/20261115_123456.asvp"), "a surveyor's own");
     convert(SspSample());
@@ -274,7 +274,7 @@ TEST_F(Calc, keepsAProfileOfTheSameNameAsABackup)
     EXPECT_EQ(files(), 2);
 }
 
-TEST_F(Calc, doesWithoutAFolder)
+TEST_F(CalcS00, doesWithoutAFolder)
 {
     EXPECT_EQ(calcS00(SspSample().text(), QString(), limits, noon).report.number, 2631);
     folder.write(QStringLiteral("blocked"), "a file");
@@ -284,13 +284,13 @@ TEST_F(Calc, doesWithoutAFolder)
         2631);
 }
 
-TEST_F(Calc, takesNoMoreMemoryThanFieldsThatCanBeLegal)
+TEST_F(CalcS00, takesNoMoreMemoryThanFieldsThatCanBeLegal)
 {
     EXPECT_EQ(convert("$QZS00,0,1000,0,1,1,0," + QByteArray(1 << 20, ',')).report.number, 2609);
     EXPECT_LE(DatagramFields(QByteArray(1 << 20, ',')).size(), 6001U);
 }
 
-TEST_F(Calc, makesOneWordOfTheSource)
+TEST_F(CalcS00, makesOneWordOfTheSource)
 {
     SspSample sample;
     sample.number = "12 34 )";
@@ -298,7 +298,7 @@ TEST_F(Calc, makesOneWordOfTheSource)
     EXPECT_TRUE(lines().value(0).contains(" QZS00_12_34_) P 0003 )"));
 }
 
-TEST_F(Calc, survivesACutAtEachByte)
+TEST_F(CalcS00, survivesACutAtEachByte)
 {
     SspSample sample;
     sample.identifier = "50";

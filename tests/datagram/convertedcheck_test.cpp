@@ -114,8 +114,8 @@ TEST(CreateAndCheckS00, buildsTheDatagram)
     QByteArray text = "$RVS00,00001,0002,123456,15,11,2026,0.00,1500.12,0,0,0\r\n"
                       "12000.00,1520.00,0,0,0\r\nNo Comment*";
     int sum = 0;
-    for (const char byte : text.mid(1).chopped(1))
-        sum ^= byte;
+    for (int i = 1; i < text.size() - 1; ++i)
+        sum ^= text.at(i);
     text += QByteArray::number(sum, 16).rightJustified(2, '0') + "\\\r\n";
     EXPECT_EQ(outcome.text, text);
 }

@@ -128,10 +128,11 @@ TEST(OpenDatagramFile, reportsWhyADatagramIsRefusedAfterTheReply)
     SspSample sample;
     sample.rows = {"0,1500,,,", "10.5,1800,,,", "12000,1500,,,"};
     EXPECT_EQ(outcome(opened(engine, sample.text())), QStringLiteral("Too few points in file."));
-    ASSERT_EQ(engine.packets().size(), 2);
-    EXPECT_EQ(engine.packets()[1][QStringLiteral("whoami")], QStringLiteral("SVPAlert"));
+    const QVector<QJsonObject> packets = engine.packets();
+    ASSERT_EQ(packets.size(), 2);
+    EXPECT_EQ(packets[1][QStringLiteral("whoami")], QStringLiteral("SVPAlert"));
     EXPECT_EQ(
-        engine.packets()[1][QStringLiteral("alert")],
+        packets[1][QStringLiteral("alert")],
         QStringLiteral("Illegal sound speed value. Sample no. 2:  10.50m  1800.00m/s. Profile "
                        "not accepted."));
 }
