@@ -8,7 +8,7 @@ void ShortestTimes::ReportRuns(const std::vector<Run>& runs)
     for (const Run& run : runs) {
         if (run.run_type != Run::RT_Iteration || run.error_occurred)
             continue;
-        const double time = run.real_accumulated_time / double(run.iterations) * 1e9;
+        const double time = run.cpu_accumulated_time / double(run.iterations) * 1e9;
         const std::string name = run.run_name.function_name + '/' + run.run_name.args;
         const auto known = m_times.emplace(name, time).first;
         known->second = std::min(known->second, time);
