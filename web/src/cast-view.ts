@@ -1,5 +1,5 @@
 /// The open cast: plot, table, header, facts and verdict, and the level selected in all of them.
-import { columnsOf, valueText, type Column } from "./columns";
+import { columnsOf, plotQuantities, valueText, type Column, type PlotQuantity } from "./columns";
 import { byId, make } from "./dom";
 import type { Verdict } from "./engine";
 import { formatClock, formatCount } from "./format";
@@ -13,6 +13,7 @@ export class CastView {
   private columns: readonly Column[] = [];
   private invalid: readonly number[] = [];
   private selected = -1;
+  private quantities: readonly PlotQuantity[] = [];
 
   private readonly title = byId("cast-title");
   private readonly facts = byId("cast-facts");
@@ -20,6 +21,7 @@ export class CastView {
   private readonly fitValid = byId<HTMLButtonElement>("fit-valid");
   private readonly nextInvalid = byId<HTMLButtonElement>("next-invalid");
   private readonly resetZoom = byId<HTMLButtonElement>("reset-zoom");
+  private readonly quantityChoice = byId<HTMLSelectElement>("plot-quantity");
   private readonly plot = new PlotView(byId("plot"), {
     select: (level) => this.select(level),
     zoomed: (zoomed) => (this.resetZoom.disabled = !zoomed),
@@ -29,6 +31,7 @@ export class CastView {
   constructor() {
     this.resetZoom.addEventListener("click", () => this.plot.reset());
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
+    this.quantityChoice.addEventListener("change", () => this.plot.showQuantity(this.quantity));
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
   }
 
@@ -49,9 +52,27 @@ export class CastView {
     byId("verdict").hidden = true;
     this.showHeader(profile);
     this.table.show(profile, this.columns);
-    this.plot.show(profile, this.columns);
+    this.showQuantities();
+    this.plot.show(profile, this.columns, this.quantity);
     this.showFacts();
     this.select(-1);
+  }
+
+  /// What is plotted: as for the cast before where this one has it, otherwise sound speed.
+  private get quantity(): PlotQuantity {
+    const { quantities, quantityChoice } = this;
+    const chosen = quantities.find(({ key }) => key === quantityChoice.value) ?? quantities[0];
+    if (!chosen) throw new Error("a profile without sound speeds");
+    return chosen;
+  }
+
+  private showQuantities(): void {
+    const { quantityChoice } = this;
+    const before = quantityChoice.value;
+    this.quantities = plotQuantities(this.columns);
+    quantityChoice.replaceChildren(...this.quantities.map(({ key, name }) => new Option(name, key)));
+    if (this.quantities.some(({ key }) => key === before)) quantityChoice.value = before;
+    quantityChoice.hidden = this.quantities.length < 2;
   }
 
   showVerdict({ lines, invalid }: Verdict): void {

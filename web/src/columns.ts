@@ -1,5 +1,6 @@
 /// What is shown of a level, and how: used by the table, the hover text and the read-out.
 import { decimalsFor, formatValue } from "./format";
+import { carriesConductivity, identifierOf } from "./identifiers";
 import type { Profile } from "./profile";
 import type { ListKey } from "./protocol";
 
@@ -9,6 +10,15 @@ export interface Column {
   unit: string;
   /// Decimals that show every value of this column without loss.
   decimals: number;
+}
+
+/// A quantity that can be plotted against depth.
+export interface PlotQuantity {
+  key: ListKey;
+  /// Its name in a choice.
+  name: string;
+  /// What its axis says.
+  label: string;
 }
 
 interface Candidate {
@@ -43,7 +53,33 @@ export function columnsOf(profile: Profile): Column[] {
     return lists[key].some(
       (value, level) => value !== 0 && !Number.isNaN(value) && value !== other?.[level],
     );
-  }).map(({ key, label, unit }) => ({ key, label, unit, decimals: decimalsFor(lists[key]) }));
+  }).map((candidate) => {
+    const { key } = candidate;
+    const isConductivity = key === "svp_Sal" && holdsConductivity(profile);
+    // The unit of a conductivity is the source file's own.
+    const { label, unit } = isConductivity ? { label: "Conduct.", unit: "" } : candidate;
+    return { key, label, unit, decimals: decimalsFor(lists[key]) };
+  });
+}
+
+const PLOT_NAMES: Partial<Record<ListKey, string>> = {
+  svp_Speed: "Sound speed",
+  svp_Temp: "Temperature",
+  svp_Sal: "Salinity",
+  svp_AbsCoef: "Absorption",
+};
+
+/// What can be plotted of a profile with these columns; sound speed comes first.
+export function plotQuantities(columns: readonly Column[]): PlotQuantity[] {
+  return columns.flatMap(({ key, label, unit }) => {
+    const name = label === "Conduct." ? "Conductivity" : PLOT_NAMES[key];
+    return name ? [{ key, name, label: unit ? `${name} (${unit})` : name }] : [];
+  });
+}
+
+/// Whether the salinities of a profile are conductivities as its file has them.
+function holdsConductivity({ header }: Profile): boolean {
+  return carriesConductivity(identifierOf(header.hsvp_filetype));
 }
 
 /// One value of a level with its unit, "12.50 m".

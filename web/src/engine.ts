@@ -41,8 +41,37 @@ export interface EngineEvents {
   waiting(): void;
 }
 
+/// A file on its way to the engine by another road than the socket, while its opening is awaited
+/// on the socket.
+export interface Upload {
+  /// The file was not stored or cannot be opened: no profile will come.
+  failed(): void;
+  /// The file is stored and was opened. Resolves with its profile once that is here (it may have
+  /// been for some time), or with null when the page shows something else instead.
+  done(): Promise<Profile | null>;
+}
+
+/// What the engine's side remembers of an upload.
+class UploadRecord {
+  profile: Profile | null = null;
+  /// The connection broke meanwhile: the answer may have been lost with it.
+  missed = false;
+  /// Called when the answer has come, or none is awaited any more.
+  over: () => void = () => undefined;
+
+  constructor(public request: PendingRequest<Subject> | null = null) {}
+}
+
+/// What a request is about: the profile to be checked, or the upload that an opening belongs to.
+type Subject = Profile | UploadRecord | null;
+
+function uploadIn(subject: Subject): UploadRecord | null {
+  return subject instanceof UploadRecord ? subject : null;
+}
+
 export class Engine {
-  private readonly pending = new PendingRequests<Profile | null>();
+  private readonly pending = new PendingRequests<Subject>();
+  private readonly uploads = new Set<UploadRecord>();
 
   constructor(
     private readonly connection: Connection,
@@ -67,6 +96,22 @@ export class Engine {
       this.ask(Action.open, name, null, body);
     }
     this.events.waiting();
+  }
+
+  /// Expects the engine to open a file that is being uploaded. The profile arrives as `opened`,
+  /// like that of a file of the list; of a failure only the upload itself knows.
+  beginUpload(name: string): Upload {
+    const record = new UploadRecord();
+    record.request = this.pending.beginElsewhere(Action.open, name, record);
+    this.uploads.add(record);
+    this.events.waiting();
+    return {
+      failed: () => {
+        if (record.request) this.pending.drop(record.request);
+        this.endUploads();
+      },
+      done: () => this.uploadDone(name, record),
+    };
   }
 
   /// Has the engine check a profile.
@@ -94,11 +139,38 @@ export class Engine {
   expire(): void {
     const late = this.pending.dropOlder(this.now(), ANSWER_LIMIT_MS);
     this.fail(late, `No answer within ${ANSWER_LIMIT_MS / 1000} seconds.`);
+    this.endUploads();
   }
 
-  private ask(action: Action, key: string, subject: Profile | null, body: string): void {
+  private ask(
+    action: Action, key: string, subject: Subject, body: string,
+  ): PendingRequest<Subject> {
     const sent = this.connection.send(requestFrame(action, body));
-    this.pending.begin(action, key, subject, sent, this.now());
+    return this.pending.begin(action, key, subject, sent, this.now());
+  }
+
+  private uploadDone(name: string, record: UploadRecord): Promise<Profile | null> {
+    return new Promise((resolve) => {
+      record.over = () => resolve(record.profile);
+      const { request } = record;
+      if (!request || !this.uploads.has(record)) return record.over();
+      this.pending.carriedOut(request, this.now());
+      if (record.missed && request.wanted) {
+        this.pending.drop(request);
+        record.request = this.ask(Action.open, name, record, openBody(name) ?? "");
+      }
+      this.events.waiting();
+    });
+  }
+
+  /// Lets go of uploads whose answer has come or is not awaited any more.
+  private endUploads(): void {
+    for (const upload of this.uploads) {
+      if (upload.request && this.pending.holds(upload.request)) continue;
+      this.uploads.delete(upload);
+      upload.over();
+    }
+    this.events.waiting();
   }
 
   private onState(state: ConnectionState): void {
@@ -106,22 +178,36 @@ export class Engine {
       this.pending.markSent(this.now());
       this.ask(Action.ready, "", null, "");
     } else if (state.kind === "lost") {
+      for (const upload of this.uploads) upload.missed = true;
       this.fail(this.pending.dropSent(), "The connection was lost before the answer came.");
+      this.endUploads();
     }
   }
 
   private onOpen(packet: Packet): void {
     const { events, pending } = this;
     if (packet.result !== SUCCESS) {
-      const { standing, key } = pending.failed(Action.open);
-      if (standing === "mine") events.openFailed(key, packet.reason ?? "");
+      this.onOpenFailed(packet.reason ?? "");
     } else {
       const profile = profileOf(packet);
-      const standing = pending.succeeded(Action.open, ({ key }) => sameFile(key, profile.filename));
+      let subject: Subject = null;
+      const standing = pending.succeeded(Action.open, (request) => {
+        subject = request.subject;
+        return sameFile(request.key, profile.filename);
+      });
+      const upload = uploadIn(standing === "foreign" ? null : subject);
+      if (upload && standing === "mine") upload.profile = profile;
       if (standing === "mine") events.opened(profile);
       else if (standing === "foreign") events.openedElsewhere(profile);
+      this.endUploads();
     }
     events.waiting();
+  }
+
+  private onOpenFailed(reason: string): void {
+    const { standing, key, subject } = this.pending.failed(Action.open);
+    // An upload is told its own failure by the answer to its POST.
+    if (standing === "mine" && !uploadIn(subject)) this.events.openFailed(key, reason);
   }
 
   private onCheck(packet: Packet): void {
@@ -133,7 +219,8 @@ export class Engine {
       let checked: { profile: Profile; invalid: number[] } | null = null;
       // A verdict does not name its profile: it is for the oldest request whose levels it fits,
       // or for another page.
-      const standing = pending.succeeded(Action.check, ({ subject: profile }) => {
+      const standing = pending.succeeded(Action.check, ({ subject }) => {
+        const profile = subject instanceof UploadRecord ? null : subject;
         const lists = profile?.lists;
         const invalid =
           lists && invalidLevels(lists.svp_Speed, lists.svp_Depth, packet.svpX, packet.svpY);
@@ -150,7 +237,7 @@ export class Engine {
     this.events.checked(of.profile, { lines, invalid: of.invalid });
   }
 
-  private fail(requests: PendingRequest<Profile | null>[], reason: string): void {
+  private fail(requests: PendingRequest<Subject>[], reason: string): void {
     for (const { action, key } of requests) {
       if (action === Action.open) this.events.openFailed(key, reason);
       else if (action === Action.check) this.events.checkFailed(key, reason);

@@ -1,4 +1,4 @@
-/// Names of the files that the page has written.
+/// Names of the files that the page hands in or has written.
 
 export type Suffix = ".asvp" | ".ssp";
 
@@ -20,12 +20,22 @@ export function finalName(name: string, suffix: Suffix): string {
   return plain + suffix;
 }
 
+/// The name under which a file of the user's is handed in: without what a request cannot carry or
+/// the list could not open again.
+export function uploadName(name: string): string {
+  return name.replace(/["*[\]:/\\\u0000-\u001f\u007f]/g, "_").replace(/^\./, "_");
+}
+
 /// What is wrong with a name, as a sentence for the user; "" when nothing is.
 export function nameFault(name: string): string {
   if (name === "" || /^\.(asvp|ssp)$/i.test(name)) return "Give the file a name.";
   if (/[/\\:]/.test(name)) return "A name only, without a folder: no slash, backslash or colon.";
   if (/[*[\]\u0000-\u001f\u007f]/.test(name)) return "No star and no square brackets in the name.";
   if (name.startsWith(".")) return "A name that begins with a full stop would not be listed.";
-  if (new TextEncoder().encode(name).length > LONGEST) return "The name is too long.";
-  return "";
+  return lengthFault(name);
+}
+
+/// What is wrong with a name's length, as a sentence; "" when nothing is.
+export function lengthFault(name: string): string {
+  return new TextEncoder().encode(name).length > LONGEST ? "The name is too long." : "";
 }

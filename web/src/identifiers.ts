@@ -12,7 +12,13 @@ const LEGAL: readonly number[] = [
 const SPEEDS = [0, 1, 6, 7, 10, 11, 12, 14];
 const ABSORPTIONS = [6, 11, 21, 31, 41, 51];
 const NO_TEMPERATURES = [0, 6, 10, 11];
+const CONDUCTIVITIES = [3, 5, 7, 14, 30, 31, 32, 50, 51, 52];
 const OTHER_FIRST_COLUMNS = [4, 5, 7, 14];
+
+/// Whether the fourth column of an identifier's rows is a conductivity in place of a salinity.
+export function carriesConductivity(identifier: string): boolean {
+  return identifier !== "" && CONDUCTIVITIES.includes(Number(identifier));
+}
 
 /// The identifier of a profile's type in two digits, or "" when the type is no legal one.
 export function identifierOf(type: string | number | undefined): string {

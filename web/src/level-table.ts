@@ -15,6 +15,17 @@ interface Row {
 /// Rows that Page Up and Page Down move by.
 const PAGE = 15;
 
+/// Pixels that a column needs for its heading and its longest value.
+function leastWidth({ key, label, unit, decimals }: Column, profile: Profile): number {
+  const heading = 7.5 * label.length + (unit ? 6.5 * unit.length + 5 : 0);
+  let longest = 0;
+  for (const value of profile.lists[key]) {
+    const digits = Number.isNaN(value) ? 1 : String(Math.trunc(Math.abs(value))).length + (value < 0 ? 1 : 0);
+    if (digits > longest) longest = digits;
+  }
+  return Math.ceil(Math.max(heading, 8 * (longest + 1 + decimals))) + 15;
+}
+
 export class LevelTable {
   private table: Tabulator | null = null;
   private built: Promise<void> = Promise.resolve();
@@ -52,7 +63,7 @@ export class LevelTable {
           field: "index",
           hozAlign: "right",
           headerHozAlign: "right",
-          width: 82,
+          width: profile.count > 999 ? 82 : 62,
           formatter: (cell) => this.numberCell((cell.getData() as Row).index),
         },
         ...columns.map((column) => ({
@@ -60,7 +71,7 @@ export class LevelTable {
           field: column.key,
           hozAlign: "right" as const,
           headerHozAlign: "right" as const,
-          minWidth: column.label.length > 8 ? 118 : 92,
+          minWidth: leastWidth(column, profile),
           formatter: (cell: { getData(): object }) =>
             formatValue(
               profile.lists[column.key][(cell.getData() as Row).index],

@@ -2,11 +2,16 @@
 import { CastList, fetchCasts } from "./casts";
 import { CastView } from "./cast-view";
 import { Connection, type ConnectionState } from "./connection";
+import { isAsking } from "./dialog";
 import { byId } from "./dom";
+import { listenForDrops } from "./drop-zone";
 import { Engine } from "./engine";
+import { FilterDialog } from "./filter-dialog";
+import { FilterTable, browserSafe } from "./filter-table";
 import { formatClock } from "./format";
 import { Menu } from "./menu";
 import { Messages } from "./messages";
+import { isAboutFilter, openFailedText } from "./open-words";
 import { Outbox } from "./outbox";
 import {
   CHECK_REFUSAL,
@@ -17,9 +22,11 @@ import {
   workText,
 } from "./outbox-words";
 import { Output } from "./output";
+import { postFile } from "./post-file";
 import { sameFile, sameProfile, type Profile } from "./profile";
 import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
+import { Uploads, type PickedFile } from "./uploads";
 
 const EXPIRE_EVERY_MS = 1000;
 
@@ -33,7 +40,11 @@ const checkButton = byId<HTMLButtonElement>("check");
 const engine = new Engine(connection, {
   opened: show,
   openFailed: (name, reason) =>
-    messages.add({ kind: "failure", text: `${name} could not be opened. ${reason}` }),
+    messages.add({
+      kind: "failure",
+      text: openFailedText(name, reason),
+      ...(isAboutFilter(name, reason) ? { action: toFilters(null) } : {}),
+    }),
   checked: (profile, verdict) => {
     if (profile === castView.open) castView.showVerdict(verdict);
   },
@@ -46,6 +57,37 @@ const engine = new Engine(connection, {
     messages.add({ kind: "failure", text: `The host refused a request. ${reason}` }),
   waiting: showWaiting,
 });
+
+const uploads = new Uploads(
+  {
+    beginUpload: (name) => engine.beginUpload(name),
+    post: postFile,
+    listed: (name) => castList.listed(name),
+  },
+  {
+    stored: (text) => messages.add({ kind: "notice", text }),
+    failed: (text, name, filterFile) =>
+      messages.add({
+        kind: "failure",
+        text,
+        ...(filterFile ? { action: toFilters({ file: filterFile, stored: name }) } : {}),
+      }),
+    folderChanged: () => void refresh(),
+    waiting: showWaiting,
+  },
+);
+const filterTable = new FilterTable(connection, browserSafe);
+const filterDialog = new FilterDialog(filterTable, {
+  done: (text) => messages.add({ kind: "notice", text }),
+  leftUnstored: (text) =>
+    messages.add({ kind: "failure", key: "filters", text, action: toFilters(null) }),
+  open: (file, stored) => (stored ? engine.open(stored) : uploads.add([file])),
+});
+
+/// The way to the import filters that a message offers, with the file that needs one.
+function toFilters(handed: { file: PickedFile; stored: string } | null) {
+  return { label: "Import filters…", run: () => void filterDialog.show(handed) };
+}
 
 const outbox = new Outbox(connection, {
   sent: (job, svptype) => messages.add({ kind: "notice", text: sentText(job, svptype) }),
@@ -101,6 +143,8 @@ function show(profile: Profile): void {
 function offer(profile: Profile): void {
   if (castView.open && sameProfile(castView.open, profile)) return;
   const changed = castView.open !== null && sameFile(castView.open.filename, profile.filename);
+  // Most likely it was handed in there, and is new to the folder.
+  if (!castList.listed(profile.filename)) void refresh();
   messages.add({
     kind: "notice",
     key: `elsewhere:${profile.filename}`,
@@ -117,10 +161,19 @@ function showWaiting(): void {
   byId("plot").setAttribute("aria-busy", String(opening !== ""));
   checkButton.disabled = checking || !castView.open || castView.open.count === 0;
   checkButton.textContent = checking ? "Checking…" : "Check";
-  byId("doing").textContent = opening ? `Opening ${opening}…` : workText(outbox.current);
+  showUpload();
+  byId("doing").textContent = uploads.current
+    ? `Handing in ${uploads.current.name}…`
+    : opening ? `Opening ${opening}…` : workText(outbox.current);
   const isOpen = castView.open !== null && castView.open.count > 0;
   sendButton.disabled = !isOpen;
   saveButton.disabled = !isOpen;
+}
+
+function showUpload(): void {
+  const progress = byId<HTMLProgressElement>("upload-progress");
+  progress.hidden = uploads.current === null;
+  progress.value = uploads.current?.part ?? 0;
 }
 
 function check(): void {
@@ -179,6 +232,7 @@ const shortcuts: Shortcut[] = [
   { key: "V", text: "Go to the table of levels", run: () => castView.focusTable() },
   { key: "M", text: "Go to the messages", run: () => messages.focus() },
   { key: "↑ ↓", text: "In the list: choose a cast, Enter opens it. In plot and table: select a level" },
+  { key: "O", text: "Open files of this computer; they can be dropped on the page as well", run: () => filePicker.click() },
   { key: "C", text: "Check the open cast", run: check },
   { key: "N", text: "Select the next invalid level", run: () => castView.selectNextInvalid() },
   { key: "F", text: "Zoom to the valid levels", run: () => castView.fit() },
@@ -186,12 +240,30 @@ const shortcuts: Shortcut[] = [
   { key: "0", text: "Show all levels", run: () => castView.reset() },
   { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => sendMenu.open() },
   { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },
+  { key: "I", text: "Import filters: how column files are read", run: () => void filterDialog.show() },
   { key: "R", text: "Read the list of casts again", run: () => void refresh() },
   { key: "T", text: "Switch between dark and light", run: () => theme.toggle() },
   { key: "?", text: "This help", run: () => help.showModal() },
 ];
 
+const filePicker = byId<HTMLInputElement>("file-picker");
+filePicker.addEventListener("change", () => {
+  const files = [...(filePicker.files ?? [])];
+  // So that the same file can be picked again once it was mended.
+  filePicker.value = "";
+  uploads.add(files);
+});
+listenForDrops(byId("drop-hint"), {
+  accepts: () => filterDialog.isAlone || !isAsking(),
+  dropped: (files) => {
+    if (!filterDialog.isOpen) uploads.add(files);
+    else if (files[0]) void filterDialog.take(files[0]);
+  },
+});
+
 checkButton.addEventListener("click", check);
+byId("open-file").addEventListener("click", () => filePicker.click());
+byId("filters").addEventListener("click", () => void filterDialog.show());
 byId("refresh").addEventListener("click", () => void refresh());
 byId("help-open").addEventListener("click", () => help.showModal());
 explainShortcuts(byId("help-keys"), shortcuts);
@@ -200,5 +272,6 @@ connection.onState(showConnection);
 setInterval(() => {
   engine.expire();
   outbox.expire();
+  filterTable.expire();
 }, EXPIRE_EVERY_MS);
 connection.start();

@@ -1,6 +1,7 @@
 /// Time and position of a cast for what leaves the editor: from its header, and where that does
 /// not give them, from the user. None is ever made up: 0° N 0° E is a place at sea.
 import { ask, type Field } from "./dialog";
+import { isBuiltIn } from "./file-kinds";
 import { formatMoment, headerMoment, timeDigits, typedMoment } from "./format";
 import { LATITUDE, LONGITUDE, degreesText, headerDegrees, typedDegrees, type Axis } from "./position";
 import type { Profile } from "./profile";
@@ -26,15 +27,23 @@ function isNowhere({ hsvp_filelat, hsvp_filelon }: Header): boolean {
   return texts.every((text) => text !== "" && Number(text) === 0);
 }
 
-/// Time and position of a profile. What its header does not give is asked for, with `earlier` (or
-/// the present time) proposed. Null when the user does not state it.
+/// What a profile states of time and position. A column file gives no time of its own: the engine
+/// puts that of opening in its place, which is not when the cast was taken.
+export function statedBy({ filename, header }: Pick<Profile, "filename" | "header">): Partial<Occasion> {
+  const stated = statedIn(header);
+  if (!isBuiltIn(filename)) delete stated.time;
+  return stated;
+}
+
+/// Time and position of a profile. What it does not state is asked for, with `earlier` (or the
+/// present time) proposed. Null when the user does not state it.
 export async function occasionOf(
   profile: Profile,
   earlier: Partial<Occasion>,
   now: () => Date = () => new Date(),
 ): Promise<Occasion | null> {
   const { header } = profile;
-  const stated = statedIn(header);
+  const stated = statedBy(profile);
   const fields: Field[] = [];
   if (!stated.time) {
     fields.push({

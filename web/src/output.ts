@@ -1,5 +1,6 @@
 /// The ways by which the open cast leaves the page, with the questions that come first.
 import { occasionOf } from "./occasion";
+import { columnsOf } from "./columns";
 import { ask } from "./dialog";
 import { finalName, nameFault, proposedName, type Suffix } from "./file-names";
 import { formatCount } from "./format";
@@ -7,7 +8,7 @@ import { PLAIN, identifierOf } from "./identifiers";
 import type { Outbox } from "./outbox";
 import { tooManyLevels } from "./outbox-words";
 import type { Profile } from "./profile";
-import { Action } from "./protocol";
+import { Action, type ListKey } from "./protocol";
 import {
   MOST_DATAGRAM_BYTES,
   datagramSize,
@@ -99,7 +100,7 @@ export class Output {
     if (older && !(await mayReplace(older))) return;
     const occasion = await this.occasion(profile);
     if (!occasion) return;
-    const job = { way: "save", name, levels: profile.count } as const;
+    const job = { way: "save", name, levels: profile.count, remark: leftOut(profile) } as const;
     this.outbox.begin(job, action, saveAsvpBody(profile, name, occasion));
   }
 
@@ -122,6 +123,13 @@ export class Output {
     if (found) this.stated = { profile, occasion: found };
     return found;
   }
+}
+
+/// What an .asvp file does not keep of a profile, as a sentence; "" when it keeps all.
+function leftOut(profile: Profile): string {
+  const kept: readonly ListKey[] = ["svp_Depth", "svp_Speed", "svp_Depth_CTD", "svp_Speed_CTD"];
+  const lost = columnsOf(profile).some(({ key }) => !kept.includes(key));
+  return lost ? "depth and sound speed only; a datagram file keeps the other columns too." : "";
 }
 
 /// The content identifier to write a profile with; "" when the user wants none.

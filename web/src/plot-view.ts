@@ -1,5 +1,5 @@
 /// The plot on the page: what is in view, zoom, hover and the selected level.
-import { valueText, type Column } from "./columns";
+import { valueText, type Column, type PlotQuantity } from "./columns";
 import { make, makeSvg } from "./dom";
 import { profilePlot, viewOf, type ProfilePlot, type Span, type View } from "./plot";
 import type { Profile } from "./profile";
@@ -11,13 +11,15 @@ const THIN_DRAG_PX = 14;
 /// How far from a level the pointer still finds it.
 const REACH_PX = 60;
 /// Closest zoom: spans below these show nothing that the instruments could have measured.
-const LEAST_SPEED_SPAN = 0.02;
+const LEAST_ACROSS_SPAN = 0.02;
 const LEAST_DEPTH_SPAN = 0.05;
 const KEY_ZOOM = 1.5;
 
 interface Shown {
   profile: Profile;
   columns: readonly Column[];
+  /// The quantity that is drawn across.
+  quantity: PlotQuantity;
   full: View;
 }
 
@@ -30,7 +32,7 @@ export interface PlotEvents {
 
 export class PlotView {
   private shown: Shown | null = null;
-  private view: View = { speed: [0, 1], depth: [0, 1] };
+  private view: View = { across: [0, 1], depth: [0, 1] };
   private invalid: readonly number[] = [];
   private selected = -1;
   private hovered = -1;
@@ -68,12 +70,22 @@ export class PlotView {
   }
 
   /// Shows a profile whole, no level invalid or selected.
-  show(profile: Profile, columns: readonly Column[]): void {
-    const full = viewOf(profile.lists.svp_Speed, profile.lists.svp_Depth);
-    this.shown = { profile, columns, full };
+  show(profile: Profile, columns: readonly Column[], quantity: PlotQuantity): void {
+    const full = viewOf(profile.lists[quantity.key], profile.lists.svp_Depth);
+    this.shown = { profile, columns, quantity, full };
     this.invalid = [];
     this.selected = this.hovered = -1;
     this.setView(full);
+  }
+
+  /// Draws another quantity of the same profile across, whole; the depths in view stay.
+  showQuantity(quantity: PlotQuantity): void {
+    if (!this.shown) return;
+    const { profile, full: before } = this.shown;
+    const full = viewOf(profile.lists[quantity.key], profile.lists.svp_Depth);
+    const isWhole = same(this.view.depth, before.depth);
+    this.shown = { ...this.shown, quantity, full };
+    this.setView(isWhole ? full : { across: full.across, depth: this.view.depth });
   }
 
   markInvalid(levels: readonly number[]): void {
@@ -81,17 +93,17 @@ export class PlotView {
     this.draw();
   }
 
-  /// Marks one level and moves the view to it if it lies outside; -1 marks none. An invalid speed
+  /// Marks one level and moves the view to it if it lies outside; -1 marks none. An invalid value
   /// is not followed, as the others would be lost from view: its arrow at the edge is marked.
   markSelected(level: number): void {
     this.selected = level;
-    const { depth, speed } = this.valuesOf(level);
-    const stay = Number.isNaN(speed) || this.invalid.includes(level);
+    const { depth, value } = this.valuesOf(level);
+    const stay = Number.isNaN(value) || this.invalid.includes(level);
     const panned = {
-      speed: stay ? this.view.speed : movedTo(this.view.speed, speed),
+      across: stay ? this.view.across : movedTo(this.view.across, value),
       depth: Number.isNaN(depth) ? this.view.depth : movedTo(this.view.depth, depth),
     };
-    if (panned.speed !== this.view.speed || panned.depth !== this.view.depth) this.setView(panned);
+    if (panned.across !== this.view.across || panned.depth !== this.view.depth) this.setView(panned);
     else this.drawOverlay();
   }
 
@@ -104,8 +116,8 @@ export class PlotView {
   fitValid(): void {
     if (!this.shown) return;
     const invalid = new Set(this.invalid);
-    const { svp_Speed, svp_Depth } = this.shown.profile.lists;
-    this.setView(viewOf(svp_Speed, svp_Depth, (level) => !invalid.has(level)));
+    const { profile: { lists }, quantity } = this.shown;
+    this.setView(viewOf(lists[quantity.key], lists.svp_Depth, (level) => !invalid.has(level)));
   }
 
   focus(): void {
@@ -124,7 +136,8 @@ export class PlotView {
     const height = host.clientHeight;
     if (!shown || width === 0 || height === 0) return;
     this.plot = profilePlot({
-      speeds: shown.profile.lists.svp_Speed,
+      values: shown.profile.lists[shown.quantity.key],
+      label: shown.quantity.label,
       depths: shown.profile.lists.svp_Depth,
       invalid: this.invalid,
       view: this.view,
@@ -170,44 +183,46 @@ export class PlotView {
     tip.style.top = `${Math.max(4, Math.min(at.y - tip.offsetHeight / 2, lowest))}px`;
   }
 
-  private valuesOf(level: number): { speed: number; depth: number } {
-    const lists = this.shown?.profile.lists;
-    return { speed: lists?.svp_Speed[level] ?? NaN, depth: lists?.svp_Depth[level] ?? NaN };
+  private valuesOf(level: number): { value: number; depth: number } {
+    const { shown } = this;
+    const lists = shown?.profile.lists;
+    const value = shown ? lists?.[shown.quantity.key][level] : NaN;
+    return { value: value ?? NaN, depth: lists?.svp_Depth[level] ?? NaN };
   }
 
   /// Where a level is drawn, or null when it is out of view.
   private pixelOf(level: number): { x: number; y: number } | null {
     const { plot } = this;
     if (!plot || level < 0) return null;
-    const { speed, depth } = this.valuesOf(level);
-    const x = plot.toX(speed);
+    const { value, depth } = this.valuesOf(level);
+    const x = plot.toX(value);
     const y = plot.toY(depth);
     const { left, top, right, bottom } = plot.area;
     return x >= left - 1 && x <= right + 1 && y >= top - 1 && y <= bottom + 1 ? { x, y } : null;
   }
 
-  /// Where the arrow of an invalid level is drawn whose speed is out of view, or null.
+  /// Where the arrow of an invalid level is drawn whose value is out of view, or null.
   private edgeOf(level: number): { x: number; y: number } | null {
     const { plot } = this;
     if (!plot || !this.invalid.includes(level)) return null;
-    const { speed, depth } = this.valuesOf(level);
+    const { value, depth } = this.valuesOf(level);
     const { left, top, right, bottom } = plot.area;
     const y = plot.toY(depth);
-    return y >= top && y <= bottom ? { x: plot.toX(speed) < left ? left + 8 : right - 8, y } : null;
+    return y >= top && y <= bottom ? { x: plot.toX(value) < left ? left + 8 : right - 8, y } : null;
   }
 
   /// The level nearest to a point of the plot, or -1 when none is within reach.
   private levelNear(x: number, y: number): number {
     const { plot, shown } = this;
     if (!plot || !shown) return -1;
-    const { svp_Speed, svp_Depth } = shown.profile.lists;
+    const { svp_Depth, [shown.quantity.key]: values } = shown.profile.lists;
     let nearest = -1;
     let least = REACH_PX * REACH_PX;
     svp_Depth.forEach((depth, level) => {
       // Most levels of a long cast are out of reach by their depth alone.
       const down = plot.toY(depth) - y;
       if (!(down * down < least)) return;
-      const across = plot.toX(svp_Speed[level] ?? NaN) - x;
+      const across = plot.toX(values[level] ?? NaN) - x;
       const distance = across * across + down * down;
       if (distance < least && this.pixelOf(level)) {
         least = distance;
@@ -277,7 +292,7 @@ export class PlotView {
     const box = this.dragArea(from, to);
     if (!box) return;
     this.setView({
-      speed: atLeast([plot.fromX(box.x[0]), plot.fromX(box.x[1])], LEAST_SPEED_SPAN),
+      across: atLeast([plot.fromX(box.x[0]), plot.fromX(box.x[1])], LEAST_ACROSS_SPAN),
       depth: atLeast([plot.fromY(box.y[0]), plot.fromY(box.y[1])], LEAST_DEPTH_SPAN),
     });
   }
@@ -318,13 +333,13 @@ export class PlotView {
   /// Zooms around the selected level, or around the middle of the view.
   private zoomBy(factor: number): void {
     if (!this.shown) return;
-    const { speed, depth } = this.valuesOf(this.selected);
+    const { value, depth } = this.valuesOf(this.selected);
     const { full } = this.shown;
     const next = {
-      speed: atLeast(scaled(this.view.speed, factor, speed, full.speed), LEAST_SPEED_SPAN),
+      across: atLeast(scaled(this.view.across, factor, value, full.across), LEAST_ACROSS_SPAN),
       depth: atLeast(scaled(this.view.depth, factor, depth, full.depth), LEAST_DEPTH_SPAN),
     };
-    const everything = same(next.speed, full.speed) && same(next.depth, full.depth);
+    const everything = same(next.across, full.across) && same(next.depth, full.depth);
     this.setView(everything ? full : next);
   }
 }

@@ -5,14 +5,18 @@ import { thinLine, thinMarks } from "./decimate";
 /// An interval of an axis, lower end first.
 export type Span = readonly [number, number];
 
-/// What part of a profile is in view: sound speed (m/s) and depth (m, positive down).
+/// What part of a profile is in view: the quantity that is drawn across, in its own unit, and depth
+/// (m, positive down).
 export interface View {
-  speed: Span;
+  across: Span;
   depth: Span;
 }
 
 export interface ProfilePlotOptions {
-  speeds: readonly number[];
+  /// Values of the quantity that is drawn across, one a level.
+  values: readonly number[];
+  /// What the axis of these values says, with their unit.
+  label: string;
   depths: readonly number[];
   /// Indices of invalid levels, ascending.
   invalid: readonly number[];
@@ -27,7 +31,7 @@ export interface ProfilePlot {
   svg: SVGSVGElement;
   /// The frame of the data area, in pixels from the drawing's top left corner.
   area: { left: number; top: number; right: number; bottom: number };
-  toX(speed: number): number;
+  toX(value: number): number;
   toY(depth: number): number;
   fromX(pixel: number): number;
   fromY(pixel: number): number;
@@ -40,21 +44,21 @@ const MARGIN = { top: 46, right: 18, bottom: 12, left: 56 };
 
 /// The view that shows all given levels with a little room around them.
 export function viewOf(
-  speeds: readonly number[],
+  values: readonly number[],
   depths: readonly number[],
   wanted: (index: number) => boolean = () => true,
 ): View {
-  const speed = padded(extent(speeds, wanted), 0.06, 1);
+  const across = padded(extent(values, wanted), 0.06, 1);
   const depth = padded(extent(depths, wanted), 0.03, 1);
-  return { speed, depth };
+  return { across, depth };
 }
 
-/// Sound speed against depth, depth downward. Levels are circles of class "level-point", invalid
+/// A quantity against depth, depth downward. Levels are circles of class "level-point", invalid
 /// ones crosses of class "level-invalid" besides, or arrows of class "invalid-beyond" at the edge
-/// beyond which their speed lies; the line through the levels is thinned to what
+/// beyond which their value lies; the line through the levels is thinned to what
 /// the pixels can show.
 export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
-  const { speeds, depths, invalid, view, width, height } = options;
+  const { values, label, depths, invalid, view, width, height } = options;
   const area = {
     left: MARGIN.left,
     top: MARGIN.top,
@@ -62,36 +66,36 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
     bottom: Math.max(height - MARGIN.bottom, MARGIN.top + 20),
   };
   const [shallow, deep] = view.depth;
-  const [slow, fast] = view.speed;
-  const toX = linear(slow, fast, area.left, area.right);
+  const [low, high] = view.across;
+  const toX = linear(low, high, area.left, area.right);
   const toY = linear(shallow, deep, area.top, area.bottom);
 
   const lowestRow = Math.floor(area.top) - 1;
   const highestRow = Math.ceil(area.bottom) + 1;
-  const line = thinLine(speeds, (i) => {
+  const line = thinLine(values, (i) => {
     const row = Math.round(toY(depths[i] ?? NaN));
     return Math.min(Math.max(row, lowestRow), highestRow);
   });
 
   const inView = (i: number) => {
-    const speed = speeds[i] ?? NaN;
+    const value = values[i] ?? NaN;
     const depth = depths[i] ?? NaN;
-    return speed >= slow && speed <= fast && depth >= shallow && depth <= deep;
+    return value >= low && value <= high && depth >= shallow && depth <= deep;
   };
   const points = levelsInView(depths.length, inView);
-  const pixelOf = (i: number) => [toX(speeds[i] ?? NaN), toY(depths[i] ?? NaN)] as const;
+  const pixelOf = (i: number) => [toX(values[i] ?? NaN), toY(depths[i] ?? NaN)] as const;
   const thinned = (levels: number[]) =>
     levels.length > MOST_LEVEL_MARKS ? thinMarks(levels, pixelOf) : levels;
   const crosses = thinned(invalid.filter(inView));
-  // Invalid speeds often lie far out; when they are zoomed away, their depths still show.
+  // Invalid values often lie far out; when they are zoomed away, their depths still show.
   const atDepth = invalid.filter((i) => {
     const depth = depths[i] ?? NaN;
     return depth >= shallow && depth <= deep;
   });
-  const slower = thinned(atDepth.filter((i) => (speeds[i] ?? NaN) < slow));
-  const faster = thinned(atDepth.filter((i) => (speeds[i] ?? NaN) > fast));
+  const lower = thinned(atDepth.filter((i) => (values[i] ?? NaN) < low));
+  const higher = thinned(atDepth.filter((i) => (values[i] ?? NaN) > high));
 
-  const x = (i: number) => speeds[i];
+  const x = (i: number) => values[i];
   const y = (i: number) => depths[i];
   const svg = Plot.plot({
     className: "profile-plot",
@@ -101,7 +105,7 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
     marginRight: MARGIN.right,
     marginBottom: MARGIN.bottom,
     marginLeft: MARGIN.left,
-    x: { domain: [slow, fast], axis: null },
+    x: { domain: [low, high], axis: null },
     y: { domain: [deep, shallow], axis: null },
     marks: [
       Plot.gridX({ className: "grid", strokeOpacity: 1, ticks: tickCount(area.right - area.left, 80) }),
@@ -110,7 +114,7 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
       Plot.axisX({
         className: "axis",
         anchor: "top",
-        label: "Sound speed (m/s)",
+        label,
         labelAnchor: "center",
         labelArrow: "none",
         ticks: tickCount(area.right - area.left, 80),
@@ -128,8 +132,8 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
       Plot.line(line, { className: "trace", x, y, clip: true, strokeWidth: 1.5 }),
       Plot.dot(points, { className: "level-points", x, y, r: pointRadius(points.length), clip: true }),
       Plot.dot(crosses, { className: "invalid-levels", x, y, r: 5, symbol: "times", clip: true }),
-      Plot.text(slower, { className: "invalid-beyond", x: slow, y, text: () => "◂", dx: 8 }),
-      Plot.text(faster, { className: "invalid-beyond", x: fast, y, text: () => "▸", dx: -8 }),
+      Plot.text(lower, { className: "invalid-beyond", x: low, y, text: () => "◂", dx: 8 }),
+      Plot.text(higher, { className: "invalid-beyond", x: high, y, text: () => "▸", dx: -8 }),
     ],
   }) as SVGSVGElement;
 
@@ -144,7 +148,7 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
     area,
     toX,
     toY,
-    fromX: linear(area.left, area.right, slow, fast),
+    fromX: linear(area.left, area.right, low, high),
     fromY: linear(area.top, area.bottom, shallow, deep),
   };
 }

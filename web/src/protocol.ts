@@ -18,6 +18,9 @@ export const Action = {
   saveAs: "SVP_SaveAs",
   receiver: "RVT300",
   distribute: "Distribute",
+  filters: "GetAllFilters",
+  saveFilter: "SaveFilter",
+  deleteFilter: "DeleteFilter",
   alert: "SVPAlert",
 } as const;
 export type Action = (typeof Action)[keyof typeof Action];
@@ -76,6 +79,8 @@ export interface Packet extends Header, Partial<Record<ListKey, unknown>> {
   svptype?: string;
   /// Save: full path of the file written.
   fullname?: string;
+  /// Filters: the rows of the user's table, with "|" between them.
+  filters?: string;
 }
 
 /// Values of one profile as the request block wants them.

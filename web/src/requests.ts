@@ -22,6 +22,8 @@ export interface PendingRequest<Subject> {
   sent: boolean;
   /// Milliseconds, by the clock of the caller.
   since: number;
+  /// Set for a request that does not go through the socket: it neither ages nor ends with it.
+  elsewhere?: true;
 }
 
 export class PendingRequests<Subject> {
@@ -29,14 +31,47 @@ export class PendingRequests<Subject> {
 
   /// Notes a new request. Earlier ones of the same action are no longer wanted: the page shows
   /// one cast, and the last one asked for is the one that the user is waiting for.
-  begin(action: Action, key: string, subject: Subject, sent: boolean, now: number): void {
+  begin(
+    action: Action, key: string, subject: Subject, sent: boolean, now: number,
+  ): PendingRequest<Subject> {
     this.giveUp(action);
-    this.queue(action, key, subject, sent, now);
+    return this.queue(action, key, subject, sent, now);
   }
 
   /// Notes a new request beside earlier ones of the same action, all of which stay wanted.
-  queue(action: Action, key: string, subject: Subject, sent: boolean, now: number): void {
-    this.requests.push({ action, key, subject, wanted: true, failed: false, sent, since: now });
+  queue(
+    action: Action, key: string, subject: Subject, sent: boolean, now: number,
+  ): PendingRequest<Subject> {
+    const request = { action, key, subject, wanted: true, failed: false, sent, since: now };
+    this.requests.push(request);
+    return request;
+  }
+
+  /// Notes a request that reaches the engine by another way than the socket, with its answer
+  /// expected on the socket all the same. Earlier ones of the same action are no longer wanted.
+  beginElsewhere(action: Action, key: string, subject: Subject): PendingRequest<Subject> {
+    const request = this.begin(action, key, subject, true, 0);
+    request.elsewhere = true;
+    return request;
+  }
+
+  /// A request made elsewhere has been carried out: it is one like the others now, and ages. A
+  /// failure that was taken for its answer was another page's.
+  carriedOut(request: PendingRequest<Subject>, now: number): void {
+    delete request.elsewhere;
+    request.failed = false;
+    request.since = now;
+  }
+
+  /// Whether the answer to `request` is still to come.
+  holds(request: PendingRequest<Subject>): boolean {
+    return this.requests.includes(request);
+  }
+
+  /// Forgets one request: no answer to it will come.
+  drop(request: PendingRequest<Subject>): void {
+    const at = this.requests.indexOf(request);
+    if (at >= 0) this.requests.splice(at, 1);
   }
 
   /// Answers to earlier requests for `action` will not be shown any more.
@@ -66,11 +101,12 @@ export class PendingRequests<Subject> {
   /// Takes a failure. It does not say what failed, so it goes to the oldest request that has no
   /// answer yet. If it was another page's after all, the success still to come finds the request
   /// here and is shown.
-  failed(action: Action): { standing: Standing; key: string } {
+  failed(action: Action): { standing: Standing; key: string; subject: Subject | null } {
     const request = this.requests.find((r) => r.action === action && !r.failed);
-    if (!request) return { standing: "foreign", key: "" };
+    if (!request) return { standing: "foreign", key: "", subject: null };
     request.failed = true;
-    return { standing: request.wanted ? "mine" : "stale", key: request.key };
+    const { key, subject, wanted } = request;
+    return { standing: wanted ? "mine" : "stale", key, subject };
   }
 
   /// Everything that was queued has left, and its time begins to run.
@@ -81,16 +117,18 @@ export class PendingRequests<Subject> {
     }
   }
 
-  /// The connection broke: requests that had left for the host get no answer any more. They are
-  /// removed; those that the user still waited for are returned.
+  /// The connection broke: requests that had left on it get no answer any more. They are removed;
+  /// those that the user still waited for are returned.
   dropSent(): PendingRequest<Subject>[] {
-    return this.remove((request) => request.sent);
+    return this.remove((request) => request.sent && !request.elsewhere);
   }
 
   /// Removes what is older than `limit` milliseconds and returns those that were still wanted.
   /// Requests that wait for a connection do not age.
   dropOlder(now: number, limit: number): PendingRequest<Subject>[] {
-    return this.remove((request) => request.sent && now - request.since > limit);
+    return this.remove(
+      (request) => request.sent && !request.elsewhere && now - request.since > limit,
+    );
   }
 
   private remove(which: (request: PendingRequest<Subject>) => boolean): PendingRequest<Subject>[] {

@@ -23,7 +23,7 @@ describe("opening a cast", () => {
   test("the page lists the casts of the profile folder by name", async () => {
     const page = await stage.page();
     const listed = await page.locator(".cast-name").allTextContents();
-    const files = (await readdir(stage.host.folder)).filter((name) => /\.asvp$/.test(name));
+    const files = (await readdir(stage.host.folder)).filter((name) => /\.(asvp|ssp|vp2|amlx?|valeport)$/.test(name));
     assert.deepEqual([...listed].sort(), files.sort());
     assert.ok(listed.includes("tide.asvp"));
     assert.match((await page.locator("#cast-summary").textContent()) ?? "", /^\d+ casts in /);

@@ -151,3 +151,84 @@ test("an engine that never answers is reported", () => {
   wait(31_000);
   assert.deepEqual(told, ["silent"]);
 });
+
+test("an uploaded file's profile arrives as opened, before or after its POST is answered", async () => {
+  for (const isFirst of [true, false]) {
+    const { around, engine, told } = page();
+    const upload = engine.beginUpload("new.vp2");
+    assert.equal(engine.opening, "new.vp2");
+    const receive = () => around.socket.receive(cast("new.vp2"));
+    if (isFirst) receive();
+    const done = upload.done();
+    if (!isFirst) receive();
+    assert.equal((await done)?.count, 3);
+    assert.deepEqual(told, ["opened new.vp2"]);
+    assert.equal(engine.opening, "");
+  }
+});
+
+test("an upload's failure on the socket is left to the answer of its POST", () => {
+  const { around, engine, told } = page();
+  const upload = engine.beginUpload("new.vp2");
+  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "Filter not found." });
+  upload.failed();
+  assert.deepEqual(told, []);
+  assert.equal(engine.opening, "");
+  around.socket.receive(cast("new.vp2"));
+  assert.deepEqual(told, ["elsewhere new.vp2"], "nothing is awaited any more");
+});
+
+test("another page's failure does not end an upload", async () => {
+  const { around, engine, told } = page();
+  const upload = engine.beginUpload("new.vp2");
+  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "Filter not found." });
+  const done = upload.done();
+  assert.equal(engine.opening, "new.vp2");
+  around.socket.receive(cast("new.vp2"));
+  assert.equal((await done)?.filename, "new.vp2");
+  assert.deepEqual(told, ["opened new.vp2"]);
+});
+
+test("an upload may take long, but its answer may not once the POST is answered", async () => {
+  const { around, engine, told, wait } = page();
+  around.socket.receive({ whoami: "SVPReadyConnected" });
+  const upload = engine.beginUpload("new.vp2");
+  wait(100_000);
+  const done = upload.done();
+  wait(30_000);
+  assert.deepEqual(told, []);
+  wait(1);
+  assert.equal(await done, null);
+  assert.deepEqual(told, ["openFailed new.vp2: No answer within 30 seconds."]);
+});
+
+test("an upload whose answer was lost with the connection is asked for by name", async () => {
+  const { around, engine, told } = page();
+  const upload = engine.beginUpload("new.vp2");
+  around.socket.onclose?.();
+  around.pass();
+  around.socket.onopen?.();
+  const done = upload.done();
+  assert.deepEqual(around.socket.bodies("SVP_OpenSVP"), ["[new.vp2,asvp]"]);
+  around.socket.receive(cast("new.vp2"));
+  assert.equal((await done)?.filename, "new.vp2");
+  assert.deepEqual(told, ["opened new.vp2"]);
+});
+
+test("an uploaded file is not shown over a cast that was asked for since", async () => {
+  const { around, engine, told, wait } = page();
+  const upload = engine.beginUpload("new.vp2");
+  engine.open("other.asvp");
+  const done = upload.done();
+  around.socket.receive(cast("new.vp2"));
+  around.socket.receive(cast("other.asvp"));
+  assert.equal(await done, null);
+  assert.deepEqual(told, ["opened other.asvp"]);
+
+  const late = engine.beginUpload("late.vp2");
+  engine.open("again.asvp");
+  around.socket.receive(cast("again.asvp"));
+  const never = late.done();
+  wait(30_001);
+  assert.equal(await never, null, "and nobody waits for it for ever");
+});

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { finalName, nameFault, proposedName } from "../../src/file-names";
+import { finalName, lengthFault, nameFault, proposedName, uploadName } from "../../src/file-names";
 
 test("a name is proposed with the suffix in place of the cast's own", () => {
   assert.equal(proposedName("cast.asvp", ".ssp"), "cast.ssp");
@@ -35,4 +35,27 @@ test("every proposed name may be taken as it is", () => {
   for (const name of ["a*b.asvp", "C:x.asvp", ".x.asvp", "north\\x.asvp", "a[1].vp2"]) {
     assert.equal(nameFault(proposedName(name, ".asvp").replace(/^\.+/, "")), "", name);
   }
+});
+
+const handedIn: [string, string][] = [
+  ["cast.vp2", "cast.vp2"],
+  ["Mælström Ωδ 深度.csv", "Mælström Ωδ 深度.csv"],
+  ["with, comma & 100%.vp2", "with, comma & 100%.vp2"],
+  ['say "hello".vp2', "say _hello_.vp2"],
+  ["a[1]*.vp2", "a_1__.vp2"],
+  ["a\\b/c:d.vp2", "a_b_c_d.vp2"],
+  ["line\nbreak.vp2", "line_break.vp2"],
+  [".hidden.vp2", "_hidden.vp2"],
+];
+for (const [name, stored] of handedIn) {
+  test(`${JSON.stringify(name)} is handed in as ${JSON.stringify(stored)}`, () => {
+    assert.equal(uploadName(name), stored);
+  });
+}
+
+test("a name may have 200 bytes, whatever its letters", () => {
+  assert.equal(lengthFault("n".repeat(200)), "");
+  assert.notEqual(lengthFault("n".repeat(201)), "");
+  assert.equal(lengthFault("ö".repeat(100)), "");
+  assert.notEqual(lengthFault("ö".repeat(101)), "");
 });

@@ -38,7 +38,7 @@ test("a cast asked for twice is shown by its second answer", () => {
 test("a failure goes to the oldest request, and a success after it still counts", () => {
   const pending = new PendingRequests<null>();
   open(pending, "a");
-  assert.deepEqual(pending.failed(Action.open), { standing: "mine", key: "a" });
+  assert.deepEqual(pending.failed(Action.open), { standing: "mine", key: "a", subject: null });
   assert.equal(pending.waiting(Action.open), undefined);
   assert.equal(pending.failed(Action.open).standing, "foreign");
   assert.equal(opened(pending, "a"), "mine");
@@ -59,7 +59,7 @@ test("queued requests all stay wanted, and are answered in their order", () => {
   pending.queue(Action.save, "b", 2, true, 0);
   pending.queue(Action.save, "a", 3, true, 0);
   assert.equal(pending.waiting(Action.save)?.subject, 1);
-  assert.deepEqual(pending.failed(Action.save), { standing: "mine", key: "a" });
+  assert.deepEqual(pending.failed(Action.save), { standing: "mine", key: "a", subject: 1 });
   assert.equal(pending.waiting(Action.save)?.subject, 2);
   assert.equal(pending.succeeded(Action.save, ({ key }) => key === "b"), "mine");
   assert.equal(pending.waiting(Action.save)?.subject, 3);
@@ -99,4 +99,17 @@ test("age is counted from when a request left", () => {
   pending.markSent(1_000_000);
   assert.deepEqual(pending.dropOlder(1_000_900, 1000), []);
   assert.deepEqual(pending.dropOlder(1_001_001, 1000).map(({ key }) => key), ["a"]);
+});
+
+test("a request made elsewhere neither ages nor ends with the connection until it is carried out", () => {
+  const pending = new PendingRequests<null>();
+  const request = pending.beginElsewhere(Action.open, "a", null);
+  assert.deepEqual(pending.dropOlder(1e9, 1000), []);
+  assert.deepEqual(pending.dropSent(), []);
+  pending.failed(Action.open);
+  pending.carriedOut(request, 1e9);
+  assert.equal(pending.waiting(Action.open)?.key, "a", "the failure was another page's");
+  assert.equal(pending.dropOlder(1e9 + 1000, 1000).length, 0);
+  assert.equal(pending.dropOlder(1e9 + 1001, 1000).length, 1);
+  assert.ok(!pending.holds(request));
 });
