@@ -19,6 +19,7 @@ namespace datagram {
 namespace {
 
 constexpr int messageBase = 2600; // verification codes are added to it
+constexpr int illegalTime = 2627;
 constexpr int notOpened = 2631;
 constexpr std::size_t fewestFields = 15;
 
@@ -35,21 +36,27 @@ bool isDigits(const QByteArray& text)
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// The stamp of a datagram without a time has no seconds; readers take both lengths. False when the
-// time holds anything but digits: it becomes a file name.
-bool stampOf(const SspDatagram& source, const QDateTime& now, Stamp& stamp)
+// The stamp of a datagram without a time has no seconds; readers take both lengths. Returns the
+// message that a time raises which is none: it becomes a file name, and fields of another length
+// would be read as another time once they are joined. 0 for none.
+int stampOf(const SspDatagram& source, const QDateTime& now, Stamp& stamp)
 {
-    const QByteArray date = source.year + source.month + source.day;
     if (source.time.isEmpty() || source.day.isEmpty() || source.month.isEmpty() ||
         source.year.isEmpty()) {
         stamp = {now.toString(QStringLiteral("yyyyMMddHHmm")),
                  now.toString(QStringLiteral("yyyyMMdd_HHmmss")),
                  now.toUTC().toString(QStringLiteral("yyyyMMddHHmmss"))};
-        return true;
+        return 0;
     }
+    const QByteArray date = source.year + source.month + source.day;
+    if (!isDigits(date) || !isDigits(source.time))
+        return notOpened;
+    if (source.year.size() != 4 || source.month.size() != 2 || source.day.size() != 2 ||
+        source.time.size() != 6)
+        return illegalTime;
     const QString time = QString::fromLatin1(date + source.time);
     stamp = {time, QString::fromLatin1(date + '_' + source.time), time};
-    return isDigits(date) && isDigits(source.time);
+    return 0;
 }
 
 ProbeSample converted(const SspDatagram& source, int sample, double latitude)
@@ -136,8 +143,9 @@ Conversion calcS00(const QByteArray& text, const QString& folder,
             "Unknown sentence format : " + std::to_string(source.identifier.number) + '\n');
     }
     Stamp stamp;
-    if (folder.isEmpty() || !stampOf(source, now, stamp))
-        return refused(notOpened);
+    const int faultyStamp = stampOf(source, now, stamp);
+    if (folder.isEmpty() || faultyStamp != 0)
+        return refused(folder.isEmpty() ? notOpened : faultyStamp);
 
     result.time = stamp.utc;
     std::vector<ProbeSample> levels;

@@ -2,6 +2,7 @@
 
 #include "datagram/receivefile.h"
 #include "datagram/svpprocessing.h"
+#include "settings/numbers.h"
 
 #include <cmath>
 
@@ -62,8 +63,9 @@ SampleFault checkConvertedSamples(const std::vector<ProbeSample>& samples,
     for (const ProbeSample& sample : samples) {
         ++number;
         int code = depthFault(sample.depth, previous);
-        const bool isInLimits = sample.speed >= double(limits.minSoundSpeed) &&
-                                sample.speed <= double(limits.maxSoundSpeed);
+        // The limits are 32-bit floats: a speed equal to one as it is written must be equal here.
+        const float speed = settings::toFloat32(sample.speed);
+        const bool isInLimits = speed >= limits.minSoundSpeed && speed <= limits.maxSoundSpeed;
         if (code == 0 && !isInLimits)
             code = 2;
         if (code != 0)

@@ -36,7 +36,7 @@ QString decimalDegrees(std::string_view field, std::string_view letter, char neg
     if (!std::isfinite(value))
         return {};
     if (profile::trimmedText(letter) == std::string_view(&negativeLetter, 1))
-        value = -value;
+        value = -std::abs(value); // a sign and a letter together count once
     const double degrees = std::trunc(value / 100.0);
     const double minutes = value - degrees * 100.0;
     return QString::fromStdString(settings::fixedText(degrees + minutes / 60.0, 8));
@@ -75,10 +75,10 @@ SspDatagram readFields(const DatagramFields& fields)
     read.tag = bytesOf(tag).mid(1);
     read.number = bytesOf(fields[1]);
     read.samples = settings::leadingInt(fields[2]);
-    read.time = bytesOf(fields[3]);
-    read.day = bytesOf(fields[4]);
-    read.month = bytesOf(fields[5]);
-    read.year = bytesOf(fields[6]);
+    read.time = bytesOf(profile::trimmedText(fields[3]));
+    read.day = bytesOf(profile::trimmedText(fields[4]));
+    read.month = bytesOf(profile::trimmedText(fields[5]));
+    read.year = bytesOf(profile::trimmedText(fields[6]));
     const std::size_t position = placeOf(read.samples, 0);
     if (fields.size() > position - headerFields + positionFields) {
         read.latitude = decimalDegrees(fields[position], fields[position + 1], 'S');

@@ -150,7 +150,7 @@ TEST_F(CalcS00, takesTheCurrentTimeToTheMinuteWhereThereIsNone)
 TEST_F(CalcS00, refusesATimeThatIsNoFileName)
 {
     for (const char* date :
-         {"15,11,2026/../..", "15/..,11,2026", "15,11\\..,2026", "15, 11,2026"}) {
+         {"15,11,2026/../..", "15/..,11,2026", "15,11\\..,2026", "15,1 1,2026"}) {
         SspSample sample;
         sample.date = date;
         EXPECT_EQ(convert(sample).report.number, 2631) << date;
@@ -160,6 +160,75 @@ TEST_F(CalcS00, refusesATimeThatIsNoFileName)
     EXPECT_EQ(convert(sample).report.number, 2631);
     EXPECT_EQ(files(), 0);
     EXPECT_FALSE(QFileInfo::exists(folder.path(QStringLiteral("x.asvp"))));
+}
+
+TEST_F(CalcS00, refusesFieldsOfATimeThatWouldJoinToAnother)
+{
+    // 05-11-24 12:15:00 would be joined to 241105121500, the year 2411.
+    const struct
+    {
+        const char* time;
+        const char* date;
+        int number;
+    } rows[] = {
+        {"121500", "05,11,24", 2627},    {"123456", "015,1,2026", 2627},
+        {"123456", "5,11,2026", 2627},   {"12345", "15,11,2026", 2627},
+        {"012345", "15,11,02026", 2627}, {"123456 ", "15,11, 2026", 0},
+    };
+    for (const auto& row : rows) {
+        SspSample sample;
+        sample.time = row.time;
+        sample.date = row.date;
+        EXPECT_EQ(convert(sample).report.number, row.number) << row.time << " " << row.date;
+    }
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(CalcS00, readsAHeaderThatEndsInItsOwnLine)
+{
+    // The line end and the comma behind the year leave a blank that is no part of it.
+    const QByteArray text = SspSample().text().replace("2026,", "2026\r\n,");
+    EXPECT_EQ(convert(text).report.number, 0);
+    EXPECT_EQ(lines().value(1), "0.000 1500.000\r");
+}
+
+TEST_F(CalcS00, computesTheSoundSpeedOfDepthRows)
+{
+    // The formulas take the depth times 100 for a pressure, so only salinities and temperatures
+    // made for it give speeds of water at 12 000 m; the surface is as anywhere.
+    SspSample sample;
+    sample.identifier = "02";
+    sample.rows = {"0,,10,35,", "12000,,10,35,"};
+    EXPECT_EQ(convert(sample).report.number, 2616);
+    // 1489.8 m/s at the surface is in the published table.
+    EXPECT_TRUE(lines().value(1).startsWith("0.000 1489.8"));
+}
+
+TEST_F(CalcS00, refusesAPressureThatNoDepthHas)
+{
+    SspSample sample;
+    sample.identifier = "07";
+    sample.rows = {"-2000,1500,4,3,0", "124.5,1500,4,3,0"};
+    EXPECT_EQ(convert(sample).report.number, 2618);
+}
+
+TEST_F(CalcS00, takesEachSignAndLetterOnce)
+{
+    const struct
+    {
+        const char* position;
+        const char* words;
+    } rows[] = {
+        {"5930.0,s,1015.0,w", " 59.50000000 10.25000000 "}, // only the capital letters count
+        {"-5930.0,N,-1015.0,E", " -59.50000000 -10.25000000 "},
+        {"-5930.0,S,-1015.0,W", " -59.50000000 -10.25000000 "},
+    };
+    for (const auto& row : rows) {
+        SspSample sample;
+        sample.position = row.position;
+        convert(sample);
+        EXPECT_TRUE(lines().value(0).contains(row.words)) << lines().value(0).constData();
+    }
 }
 
 TEST_F(CalcS00, reportsTooFewFieldsBeforeAnyStructure)

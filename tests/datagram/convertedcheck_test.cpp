@@ -104,6 +104,21 @@ TEST(ConvertedSamples, followTheSettings)
     EXPECT_EQ(checkConvertedSamples({{12000, 1800.01, 0}}, wide).code, 2);
 }
 
+TEST(ConvertedSamples, mayEqualALimitThatABinaryFractionCannotHold)
+{
+    settings::ProfileLimits limited;
+    limited.minSoundSpeed = 1400.3F;
+    limited.maxSoundSpeed = 1699.7F;
+    const struct
+    {
+        double speed;
+        int code;
+    } rows[] = {{1400.3, 0}, {1400.299, 2}, {1699.7, 0}, {1699.701, 2}};
+    for (const auto& row : rows)
+        EXPECT_EQ(checkConvertedSamples({{12000, row.speed, 0}}, limited).code, row.code)
+            << row.speed;
+}
+
 TEST(CreateAndCheckS00, buildsTheDatagram)
 {
     const Outcome outcome = outcomeOf(file("0.000 1500.125\r\n12000.000 1520.000\r\n", "0002"));
