@@ -57,6 +57,13 @@ QString iniText(const QString& value)
     return special ? QLatin1Char('"') + value + QLatin1Char('"') : value;
 }
 
+bool endsInOneOf(const QString& name, const QStringList& endings)
+{
+    return std::any_of(endings.begin(), endings.end(), [&name](const QString& ending) {
+        return !ending.isEmpty() && name.endsWith(ending, Qt::CaseInsensitive);
+    });
+}
+
 void copySamples(const QString& from, const QString& to)
 {
     const QFileInfoList files = QDir(from).entryInfoList(QDir::Files, QDir::Name);
@@ -133,7 +140,7 @@ QString DataFolder::profileFolder() const
     return folder.isEmpty() ? defaultProfileFolder() : QDir(folder).absolutePath();
 }
 
-QByteArray DataFolder::listCasts() const
+QByteArray DataFolder::listCasts(const QStringList& endings) const
 {
     const QString folder = profileFolder();
     QFileInfoList files =
@@ -144,7 +151,7 @@ QByteArray DataFolder::listCasts() const
     });
     QJsonArray casts;
     for (const QFileInfo& file : qAsConst(files)) {
-        if (!isCastName(file.fileName()))
+        if (!isCastName(file.fileName()) && !endsInOneOf(file.fileName(), endings))
             continue;
         casts.append(QJsonObject{
             {QStringLiteral("name"), file.fileName()},

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace host {
 
@@ -29,7 +30,10 @@ class DataFolder
 
     /// The casts of the profile folder as the JSON object {"folder", "casts": [{"name", "kind",
     /// "size", "modified"}]}, sorted by name. Sizes are bytes, times UTC in ISO 8601.
-    QByteArray listCasts() const;
+    ///
+    /// @param endings  ends of further names to list, e.g. ".col", in any case; the engine's users
+    ///                 describe kinds of their own, which the host does not know
+    QByteArray listCasts(const QStringList& endings) const;
 
   private:
     QString defaultProfileFolder() const;

@@ -3,6 +3,7 @@
 #include "host/page_connection.h"
 #include "host/site.h"
 
+#include <QUrlQuery>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
@@ -22,6 +23,9 @@ namespace {
 /// Bytes that are read ahead at most, a whole header included.
 constexpr std::size_t kReadAhead = 64 * kKiB;
 
+/// Kinds of files that a user may have described; more is no list of them.
+constexpr int kMostEndings = 200;
+
 constexpr std::string_view kPagePath = "/ws";
 constexpr std::string_view kCastsPath = "/api/casts";
 
@@ -33,6 +37,16 @@ std::string_view view(beast::string_view text)
 std::string_view pathOf(std::string_view target)
 {
     return target.substr(0, target.find_first_of("?#"));
+}
+
+/// The values of "also" in the query of a target.
+QStringList furtherEndings(std::string_view target)
+{
+    const std::size_t start = std::min(target.find('?'), target.size());
+    const QString query = QString::fromUtf8(target.data() + start, int(target.size() - start));
+    return QUrlQuery(query.mid(1))
+        .allQueryItemValues(QStringLiteral("also"), QUrl::FullyDecoded)
+        .mid(0, kMostEndings);
 }
 
 } // namespace
@@ -196,8 +210,9 @@ void HttpConnection::route()
     if (path == kPagePath)
         return upgrade();
     if (path == kCastsPath)
-        return respond(makeResponse(http::status::ok, "application/json",
-                                    site_.data.listCasts().toStdString()));
+        return respond(makeResponse(
+            http::status::ok, "application/json",
+            site_.data.listCasts(furtherEndings(view(request.target()))).toStdString()));
     routeStatic(path);
 }
 

@@ -54,6 +54,26 @@ TEST(Casts, TellNameKindSizeAndTime)
                            {QStringLiteral("modified"), QStringLiteral("2026-11-15T12:34:56Z")}}));
 }
 
+TEST(Casts, MayHaveFurtherEndings)
+{
+    RunningHost host;
+    const QString folder = host.scene.profileFolder() + QLatin1Char('/');
+    for (const char* name : {"a.asvp", "b.COL", "c.x.dat", "d.dat", "e.txt", "f Ø.söl"})
+        writeFile(folder + QString::fromUtf8(name), "x");
+    const auto namesOf = [&host](const char* query) {
+        const Reply reply = get(host.port(), std::string("/api/casts") + query);
+        return names(QJsonDocument::fromJson(QByteArray::fromStdString(reply.body())).object())
+            .join(QLatin1Char('|'))
+            .toStdString();
+    };
+    EXPECT_EQ(namesOf(""), "a.asvp");
+    EXPECT_EQ(namesOf("?also=.col"), "a.asvp|b.COL");
+    EXPECT_EQ(namesOf("?also=.col&also=.x.dat"), "a.asvp|b.COL|c.x.dat");
+    EXPECT_EQ(namesOf("?also=.s%C3%B6l"), "a.asvp|f Ø.söl");
+    EXPECT_EQ(namesOf("?also=&also"), "a.asvp");
+    EXPECT_EQ(namesOf("?other=.dat"), "a.asvp");
+}
+
 TEST(Casts, AreTheFilesOfTheFolderWithACastsSuffix)
 {
     RunningHost host;

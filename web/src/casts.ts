@@ -17,11 +17,13 @@ export interface CastFolder {
   casts: Cast[];
 }
 
-/// Reads the folder's list from the host. Rejects with a sentence for the user.
-export async function fetchCasts(): Promise<CastFolder> {
+/// Reads the folder's list from the host, with files that end in one of `endings` besides the casts
+/// that it knows. Rejects with a sentence for the user.
+export async function fetchCasts(endings: readonly string[]): Promise<CastFolder> {
+  const query = new URLSearchParams(endings.map((ending) => ["also", ending])).toString();
   let response: Response;
   try {
-    response = await fetch("api/casts", { cache: "no-store" });
+    response = await fetch(query ? `api/casts?${query}` : "api/casts", { cache: "no-store" });
   } catch {
     throw new Error("the host cannot be reached");
   }

@@ -78,7 +78,10 @@ const uploads = new Uploads(
 );
 const filterTable = new FilterTable(connection, browserSafe);
 const filterDialog = new FilterDialog(filterTable, {
-  done: (text) => messages.add({ kind: "notice", text }),
+  done: (text) => {
+    messages.add({ kind: "notice", text });
+    void refreshKinds();
+  },
   leftUnstored: (text) =>
     messages.add({ kind: "failure", key: "filters", text, action: toFilters(null) }),
   open: (file, stored) => (stored ? engine.open(stored) : uploads.add([file])),
@@ -180,9 +183,19 @@ function check(): void {
   if (castView.open && !checkButton.disabled) engine.check(castView.open);
 }
 
+/// Ends of the names of files that the user's import filters read.
+let endings: readonly string[] = [];
+
+/// The kinds of files that can be opened, and with them the list.
+async function refreshKinds(): Promise<void> {
+  const { filters, failure } = await filterTable.list();
+  if (!failure) endings = filters.map(({ postfix }) => postfix);
+  await refresh();
+}
+
 async function refresh(): Promise<void> {
   try {
-    castList.show(await fetchCasts());
+    castList.show(await fetchCasts(endings));
   } catch (error) {
     const reason = error instanceof Error ? error.message : String(error);
     messages.add({ kind: "failure", key: "casts", text: `The casts could not be listed: ${reason}.` });
@@ -209,6 +222,7 @@ function showConnection(state: ConnectionState): void {
     lostAt = null;
     everOpen = true;
     void refresh();
+    void refreshKinds();
   } else if (state.kind === "lost") {
     badge.textContent = "Connection lost, trying again";
     if (lostAt) return;

@@ -274,6 +274,10 @@ describe("import filters", () => {
     assert.equal(await page.locator(".level-point").count(), 7);
     assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01");
     assert.equal(await page.locator("#header [data-key=hsvp_filelat]").textContent(), "not given");
+    // The folder's list knows the new kind, here and on a page that opens later.
+    await page.locator('[data-name="station.log"][aria-current=true]').waitFor();
+    await page.reload();
+    await openCast(page, "station.log");
     await picture(page, "column-file");
   });
 
