@@ -6,6 +6,7 @@
 #include "profile/openprofile.h"
 #include "profile/protocol.h"
 #include "profile/requestblock.h"
+#include "profile/textfile.h"
 
 #include <QJsonArray>
 
@@ -66,10 +67,11 @@ bool CSVP_WebInterface::storeUpload(const profile::ProfileFolder& folder, const 
 profile::OpenedProfile CSVP_WebInterface::openDatagramFile(const QByteArray& content,
                                                            const QString& name)
 {
-    const QString refusal = datagram::sspRefusal(content);
+    const QByteArray text = profile::normalisedText(content);
+    const QString refusal = datagram::sspRefusal(text);
     if (!refusal.isEmpty())
         return {{}, refusal, {}};
-    return datagram::openedSsp(convert(datagram::firstDatagram(content)), name);
+    return datagram::openedSsp(convert(datagram::firstDatagram(text)), name);
 }
 
 datagram::Conversion CSVP_WebInterface::convert(const QByteArray& text)

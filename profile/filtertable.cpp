@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace profile {
 
 namespace {
@@ -67,6 +69,18 @@ QString saveFault(const FilterRow& row)
             return QStringLiteral("Postfix .") + reserved + QStringLiteral(" is reserved.");
     }
     return {};
+}
+
+// Whether each column and factor of a save request is a number; a further column may be missing.
+bool holdsNumbers(const QStringList& values)
+{
+    int column = -1;
+    double factor = -1.0;
+    return readFilterColumn(values[0], column) && readFilterColumn(values[1], column) &&
+           readFilterFactor(values[3], factor) && readFilterFactor(values[4], factor) &&
+           std::all_of(values.begin() + 8, values.begin() + 11, [&column](const QString& value) {
+               return value.isEmpty() || readFilterColumn(value, column);
+           });
 }
 
 QString separatorFault(const FilterRow& row)
@@ -146,20 +160,18 @@ QString readSaveFilter(const QString& body, FilterRow& row)
     // The request has an order of its own; the factors, too, stand the other way round.
     const QStringList fields = {values[5],  values[6], values[0], values[1], values[8], values[9],
                                 values[10], values[2], values[4], values[3], values[7], values[11]};
+    // Read as 0, a number that is none would take the first column for the depth, or turn each
+    // depth into 0.
+    if (!holdsNumbers(values))
+        return wrongInput;
     parseFilterRow(fields.join(QLatin1Char(',')), row);
-    for (const QString& fault : {saveFault(row), separatorFault(row), salinityFault(row)}) {
-        if (!fault.isEmpty())
-            return fault;
-    }
-    // What could be stored but not be used, or not as it was meant: a row for every file or for
-    // none, a quantity that silently goes missing, a "|" that takes the reply's list apart.
+    QString fault = saveFault(row);
+    if (!fault.isEmpty())
+        return fault;
+    // What could be stored but not be used: a row for every file or for none, a "|" that takes the
+    // reply's list apart.
     if (row.name.isEmpty() || row.postfix.isEmpty() || text.contains(QLatin1Char('|')))
         return wrongInput;
-    for (const QString& value : {values[8], values[9], values[10]}) {
-        int column = -1;
-        if (!value.isEmpty() && !readFilterColumn(value, column))
-            return wrongInput;
-    }
     return {};
 }
 

@@ -60,13 +60,17 @@ bool readFilterColumn(const QString& text, int& column)
     return false;
 }
 
-double filterFactor(const QString& text)
+bool readFilterFactor(const QString& text, double& factor)
 {
     constexpr double leastShown = 0.0005;
-    double factor = 0.0;
-    if (!readWhole(text, factor) || !std::isfinite(factor) || (factor > 0 && factor < leastShown))
-        return -1.0;
-    return factor == 0 ? 0.0 : factor; // no "-0.000"
+    constexpr double largest = 1e6;
+    const bool isRead = readWhole(text, factor) && std::abs(factor) <= largest &&
+                        (factor <= 0 || factor >= leastShown);
+    if (!isRead)
+        factor = -1.0;
+    else if (factor == 0)
+        factor = 0.0; // no "-0.000"
+    return isRead;
 }
 
 bool readSeparator(const QString& word, char& character)
@@ -117,8 +121,8 @@ bool parseFilterRow(const QString& line, FilterRow& row)
     readFilterColumn(fields[5], format.salinityColumn);
     readFilterColumn(fields[6], format.absorptionColumn);
     format.skipLines = fields[7];
-    format.depthFactor = filterFactor(fields[8]);
-    format.speedFactor = filterFactor(fields[9]);
+    readFilterFactor(fields[8], format.depthFactor);
+    readFilterFactor(fields[9], format.speedFactor);
     format.largestColumn = std::max(format.depthColumn, format.speedColumn);
     row.separator = fields[10];
     readSeparator(row.separator, format.separator);

@@ -34,10 +34,10 @@ QString withoutWhiteSpace(const QString& text);
 /// a negative one is an absent column. False for any other text; `column` is -1 then.
 bool readFilterColumn(const QString& text, int& column);
 
-/// A scale factor as a filter row holds it: a finite decimal number with a point. -1, which no
-/// valid row has, for any other text, and for a factor above 0 that three decimals would show as
-/// 0.000: stored so, it would turn each value into 0.
-double filterFactor(const QString& text);
+/// Reads a scale factor as a filter row holds it: a decimal number with a point, at most a million.
+/// False for any other text, and for a factor above 0 that three decimals would show as 0.000:
+/// stored so, it would turn each value into 0. `factor` is -1 then, which no valid row has.
+bool readFilterFactor(const QString& text, double& factor);
 
 /// The character for "space", "tab", "semicolon", "colon" or "comma", in any case. False for any
 /// other word; `character` is a blank then.

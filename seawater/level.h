@@ -21,7 +21,8 @@ struct Level
 /// Computes depth, salinity and sound speed where they are unknown and the rest allows it: depth
 /// from pressure; salinity from conductivity, temperature and pressure; sound speed from salinity,
 /// temperature and pressure. Where there is no pressure, the one at the depth is used. What is
-/// known stays as it is, and so does `pressure`.
+/// known stays as it is, and so does `pressure`. A conductivity of 0 or less makes a salinity
+/// of 0, but no sound speed.
 ///
 /// `latitude` is in decimal degrees, 0 where it is not known. Returns whether depth and sound speed
 /// are finite numbers then.

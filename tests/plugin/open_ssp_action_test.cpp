@@ -61,6 +61,18 @@ TEST(OpenDatagramFile, answersTheProfileAndItsHeader)
     EXPECT_EQ(engine.packets().size(), 1);
 }
 
+TEST(OpenDatagramFile, readsTextsAsEditorsAndTransfersLeaveThem)
+{
+    Engine engine;
+    const QByteArray text = SspSample().text();
+    EXPECT_EQ(outcome(opened(engine, "\xEF\xBB\xBF" + text)), QStringLiteral("SUCCESS"));
+    EXPECT_EQ(outcome(opened(engine, QByteArray(text).replace("\r\n", "\n"))),
+              QStringLiteral("SUCCESS"));
+    EXPECT_EQ(outcome(opened(engine, QByteArray(text).replace("\r\n", "\r\r\n"))),
+              QStringLiteral("SUCCESS"));
+    EXPECT_EQ(outcome(opened(engine, text + text)), QStringLiteral("SUCCESS"));
+}
+
 TEST(OpenDatagramFile, leavesOutAPositionThatIsNotThere)
 {
     Engine engine;

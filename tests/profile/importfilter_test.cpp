@@ -170,7 +170,9 @@ TEST(ImportFilter, AColumnIsAWholeNumberWithinReason)
                 EXPECT_EQ(columns[other], other == place ? c.column : other) << c.text;
         }
     }
-    EXPECT_EQ(filterFactor(QString(QChar(0x0663))), -1.0) << "a digit of another script";
+    double factor = 0.0;
+    EXPECT_FALSE(readFilterFactor(QString(QChar(0x0663)), factor)) << "a digit of another script";
+    EXPECT_EQ(factor, -1.0);
 }
 
 TEST(ImportFilter, AFactorIsAFiniteNumberThatThreeDecimalsCanShow)
@@ -188,7 +190,8 @@ TEST(ImportFilter, AFactorIsAFiniteNumberThatThreeDecimalsCanShow)
         {"1e999", -1.0},   {"1e-999", -1.0}, {"0x10", -1.0},
     };
     for (const auto& c : cases) {
-        const double factor = filterFactor(QLatin1String(c.text));
+        double factor = 0.0;
+        readFilterFactor(QLatin1String(c.text), factor);
         EXPECT_EQ(factor, c.factor) << c.text;
         EXPECT_EQ(std::signbit(factor), c.factor < 0) << c.text;
     }

@@ -48,6 +48,20 @@ TEST(CompleteLevel, takesThePressureAtTheDepthWhereThereIsNone)
     EXPECT_TRUE(std::isnan(level.pressure));
 }
 
+TEST(CompleteLevel, computesNoSpeedFromADryOrFailedCell)
+{
+    for (const double conductivity : {0.0, -0.01}) {
+        Level level;
+        level.pressure = 2000.0;
+        level.temperature = 5.0;
+        level.conductivity = conductivity;
+        EXPECT_FALSE(completeLevel(level, 0.0));
+        EXPECT_EQ(level.salinity, 0.0);
+        level.speed = 1500.0;
+        EXPECT_TRUE(completeLevel(level, 0.0));
+    }
+}
+
 TEST(CompleteLevel, isIncompleteWhereTooLittleIsKnown)
 {
     Level noDepth;

@@ -314,6 +314,7 @@ describe("import filters", () => {
     assert.equal(await field(page, "Suffix").inputValue(), ".csv");
     await press(page, "New filter");
     await page.getByRole("dialog", { name: "Leave without saving?" }).getByRole("button", { name: "Leave" }).click();
+    await status(page, "A first guess from the file");
     assert.equal(await field(page, "Suffix").inputValue(), ".dat");
     assert.equal(await page.locator("#cast-title").textContent(), "No cast open");
   });
