@@ -8,7 +8,7 @@ export interface Column {
   key: ListKey;
   label: string;
   unit: string;
-  /// Decimals that show every value of this column without loss.
+  /// Decimals that show what was measured without loss; computed values have no more than that.
   decimals: number;
 }
 
@@ -55,11 +55,35 @@ export function columnsOf(profile: Profile): Column[] {
     );
   }).map((candidate) => {
     const { key } = candidate;
-    const isConductivity = key === "svp_Sal" && holdsConductivity(profile);
-    // The unit of a conductivity is the source file's own.
-    const { label, unit } = isConductivity ? { label: "Conduct.", unit: "" } : candidate;
-    return { key, label, unit, decimals: decimalsFor(lists[key]) };
+    return { key, ...wordsFor(candidate, profile), decimals: shownDecimals(decimalsFor(lists[key]), key) };
   });
+}
+
+function wordsFor({ key, label, unit }: Candidate, profile: Profile): { label: string; unit: string } {
+  // The unit of a conductivity is the source file's own.
+  if (key === "svp_Sal" && holdsConductivity(profile)) return { label: "Conduct.", unit: "" };
+  if (key === "svp_Depth_CTD" && holdsPressures(profile)) return { label: "Pressure", unit: "MPa" };
+  return { label, unit };
+}
+
+/// Instruments give up to four decimals. A value with more was computed, and its digits beyond the
+/// third say nothing about water; a pressure in MPa needs two more for the same.
+function shownDecimals(decimals: number, key: ListKey): number {
+  if (key === "svp_AbsCoef") return decimals;
+  if (key === "svp_Depth_CTD") return Math.min(decimals, 5);
+  return decimals > 4 ? 3 : decimals;
+}
+
+/// Whether what the probe measured for a depth is a pressure in MPa: some 1.01 of it to 100 m.
+function holdsPressures({ lists }: Profile): boolean {
+  let compared = 0;
+  const isPressure = lists.svp_Depth.every((depth, level) => {
+    if (!(depth > 1)) return true;
+    compared += 1;
+    const ratio = depth / (lists.svp_Depth_CTD[level] ?? Number.NaN);
+    return ratio > 94 && ratio < 101;
+  });
+  return isPressure && compared > 0;
 }
 
 const PLOT_NAMES: Partial<Record<ListKey, string>> = {

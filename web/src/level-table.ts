@@ -15,15 +15,33 @@ interface Row {
 /// Rows that Page Up and Page Down move by.
 const PAGE = 15;
 
+/// Pixels beside the text of a cell: its padding and border.
+const BESIDE_TEXT = 17;
+const SCROLLBAR = 16;
+
+/// Measures text in the font of an element.
+function measureIn(element: HTMLElement): (text: string, scale?: number) => number {
+  const context = document.createElement("canvas").getContext("2d");
+  const { fontFamily, fontSize } = getComputedStyle(element);
+  const size = Number.parseFloat(fontSize);
+  return (text, scale = 1) => {
+    if (!context) return 0.65 * size * scale * text.length;
+    context.font = `${size * scale}px ${fontFamily}`;
+    return context.measureText(text).width;
+  };
+}
+
 /// Pixels that a column needs for its heading and its longest value.
-function leastWidth({ key, label, unit, decimals }: Column, profile: Profile): number {
-  const heading = 7.5 * label.length + (unit ? 6.5 * unit.length + 5 : 0);
+function leastWidth({ key, label, unit, decimals }: Column, profile: Profile, host: HTMLElement): number {
+  const measure = measureIn(host);
+  const heading = measure(label) + (unit ? measure(unit, 0.88) + 5 : 0);
   let longest = 0;
   for (const value of profile.lists[key]) {
     const digits = Number.isNaN(value) ? 1 : String(Math.trunc(Math.abs(value))).length + (value < 0 ? 1 : 0);
     if (digits > longest) longest = digits;
   }
-  return Math.ceil(Math.max(heading, 8 * (longest + 1 + decimals))) + 15;
+  // Digits are all as wide as a 0, and no sign or point is wider.
+  return Math.ceil(Math.max(heading, measure("0".repeat(longest + 1 + decimals)))) + BESIDE_TEXT;
 }
 
 export class LevelTable {
@@ -50,6 +68,11 @@ export class LevelTable {
     const element = make("div", "");
     this.host.replaceChildren(element);
     const rows: Row[] = Array.from({ length: profile.count }, (_, index) => ({ index }));
+    const numberWidth = profile.count > 999 ? 82 : 52;
+    const widths = columns.map((column) => leastWidth(column, profile, this.host));
+    // The panel takes what the columns need; the style sheet says between which bounds.
+    const all = widths.reduce((sum, width) => sum + width, numberWidth + SCROLLBAR);
+    this.host.closest("main")?.style.setProperty("--levels", `${all}px`);
     const table = new Tabulator(element, {
       data: rows,
       index: "index",
@@ -63,15 +86,15 @@ export class LevelTable {
           field: "index",
           hozAlign: "right",
           headerHozAlign: "right",
-          width: profile.count > 999 ? 82 : 62,
+          width: numberWidth,
           formatter: (cell) => this.numberCell((cell.getData() as Row).index),
         },
-        ...columns.map((column) => ({
+        ...columns.map((column, place) => ({
           title: column.unit ? `${column.label}<span class="unit">${column.unit}</span>` : column.label,
           field: column.key,
           hozAlign: "right" as const,
           headerHozAlign: "right" as const,
-          minWidth: leastWidth(column, profile),
+          minWidth: widths[place],
           formatter: (cell: { getData(): object }) =>
             formatValue(
               profile.lists[column.key][(cell.getData() as Row).index],

@@ -170,7 +170,7 @@ describe("files of the user's", () => {
     ],
     [
       "harbour-pressure.aml",
-      ["Depth", "Speed", "Temp.", "Salinity", "Probe depth"],
+      ["Depth", "Speed", "Temp.", "Salinity", "Pressure"],
       { filetime: "2026-06-19 11:05:30 UTC", filelon: "005° 15.708′ E", filecomment: "AML Example-3 E10002 aml format." },
     ],
     [

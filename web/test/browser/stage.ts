@@ -64,6 +64,8 @@ export class Stage {
     await page.setViewportSize(viewport);
     page.setDefaultTimeout(PATIENCE_MS);
     this.watch(page);
+    // File choosers are caught while someone listens; one listener that stays spares the switching.
+    page.on("filechooser", () => undefined);
     await page.goto(this.host.url);
     await connected(page);
     await page.locator(".cast").first().waitFor();

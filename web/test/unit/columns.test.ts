@@ -30,6 +30,26 @@ test("a conductivity is not called a salinity", () => {
   }
 });
 
+test("pressures in the place of probe depths are called so", () => {
+  const probed = (values: number[]) =>
+    columnsOf(profile({ svp_Depth: [-0.5, 9.9, 9690], svp_Speed: [1500, 1490, 1520], svp_Depth_CTD: values }))
+      .map(({ label, unit }) => `${label} ${unit}`)
+      .slice(2);
+  assert.deepEqual(probed([-0.005, 0.1, 100]), ["Pressure MPa"]);
+  assert.deepEqual(probed([-0.5, 9.8, 9690]), ["Probe depth m"]);
+  assert.deepEqual(probed([-0.5, 0.1, 9690]), ["Probe depth m"], "not all of them");
+  assert.deepEqual(probed([-0.5, 9.9, 9690]), [], "the depths again");
+  assert.deepEqual(labels({ svp_Depth: [0, 1], svp_Depth_CTD: [0, 0.5] }).slice(2), ["Probe depth"], "too shallow to tell");
+});
+
+test("computed values are shown with three decimals, measured ones as they are", () => {
+  const decimals = (packet: Partial<Packet>) => columnsOf(profile(packet)).map((column) => column.decimals);
+  assert.deepEqual(decimals({ svp_Depth: [0.396292, 10], svp_Speed: [1500.1234, 1490] }), [3, 4]);
+  assert.deepEqual(decimals({ svp_Depth: [0, 10.12345] }), [3, 2]);
+  assert.deepEqual(decimals({ svp_Depth: [0, 9.9], svp_Depth_CTD: [0, 0.1000625] }), [2, 2, 5]);
+  assert.deepEqual(decimals({ svp_AbsCoef: [0.000001, 0] }), [2, 2, 6]);
+});
+
 test("time and position that a cast does not give are not stated", () => {
   const ms = Date.UTC(2026, 10, 15, 12, 34, 56);
   const numbers = { hsvp_filetime: ms, hsvp_filelat: -59.5, hsvp_filelon: 10.25 };
