@@ -3,6 +3,7 @@
 #include "convert/detection.h"
 #include "convert/summary.h"
 #include "datagram/convertedfile.h"
+#include "datagram/filewriter.h"
 #include "datagram/probe_header.h"
 #include "datagram/receivedata.h"
 #include "datagram/receivefile.h"
@@ -80,9 +81,28 @@ QStringList remarksOn(const CReceiveData& data)
         remarks.append(data.cast().remark);
     if (data.cast().leftOut > 0)
         remarks.append(QStringLiteral("%1 left out as unusable").arg(data.cast().leftOut));
+    if (const int count = impossibleSpeeds(data.samples()); count > 0) {
+        remarks.append(
+            QStringLiteral("%1 %2 outside %3 to %4 m/s")
+                .arg(count)
+                .arg(count == 1 ? QLatin1String("sound speed") : QLatin1String("sound speeds"))
+                .arg(lowestSpeed)
+                .arg(highestSpeed));
+    }
     if (!areDepthsIncreasing(data.samples()))
         remarks.append(QStringLiteral("depths do not increase throughout"));
     return remarks;
+}
+
+// When and where the cast was made.
+QStringList originOf(int format, const ProbeHeader& header, bool hasTime)
+{
+    if (isTable(format))
+        return {QStringLiteral("time and position are not read from a table (the current time, "
+                               "UTC, stands in)")};
+    return {hasTime ? timeText(header)
+                    : QStringLiteral("no time (the current one, UTC, stands in)"),
+            positionText(header)};
 }
 
 QString canonicalPath(const QString& path)
@@ -149,18 +169,21 @@ Outcome Converter::convert(const QString& input)
     if (!platform::makeFolder(QFileInfo(target).path()))
         return refused(
             input, QStringLiteral("the folder %1 cannot be made").arg(QFileInfo(target).path()));
-    if (!platform::replaceFile(target, profileText(detection.format, data, stamp), &error))
+    QString kept;
+    if (datagram::saveKeepingOther(target, profileText(detection.format, data, stamp), kept,
+                                   error) != platform::Replaced::Whole)
         return refused(input, QStringLiteral("%1 cannot be written: %2").arg(target, error));
     m_written.append(canonicalPath(target));
     m_writtenFrom.append(input);
 
-    QStringList parts = {kind, levelsText(data.samples()),
-                         hasTime ? timeText(data.header())
-                                 : QStringLiteral("no time (the current one, UTC, stands in)"),
-                         positionText(data.header())};
+    QStringList parts = {kind, levelsText(data.samples())};
+    parts += originOf(detection.format, data.header(), hasTime);
     parts += remarksOn(data);
+    QString written = target;
+    if (!kept.isEmpty())
+        written += QStringLiteral("; the earlier one is kept as %1").arg(kept);
     return {true, QStringLiteral("%1: %2 -> %3")
-                      .arg(input, parts.join(QLatin1String("; ")), target)
+                      .arg(input, parts.join(QLatin1String("; ")), written)
                       .simplified()};
 }
 

@@ -21,7 +21,7 @@ class Converter
     Converter(const QStringList& inputs, const QString& folder);
 
     /// Reads `input` and writes its profile. An older file of the profile's name is replaced
-    /// whole, unless this run wrote it.
+    /// whole, unless this run wrote it; where it holds something else it is kept as a backup.
     Outcome convert(const QString& input);
 
   private:

@@ -82,22 +82,38 @@ bool isBinary(std::string_view text)
     return text.find('\0') != std::string_view::npos || std::size_t(count) * 50 > text.size();
 }
 
-// What the editor reads itself; empty for anything else.
-QString editorKind(const Head& head)
+// Why a file is left to the editor; empty where it is not.
+QString editorRefusal(const char* kind, const char* ownSuffix, const QString& suffix,
+                      const char* furtherSuffix = "")
+{
+    const bool isOpened = suffix.compare(QLatin1String(ownSuffix), Qt::CaseInsensitive) == 0 ||
+                          (*furtherSuffix != 0 &&
+                           suffix.compare(QLatin1String(furtherSuffix), Qt::CaseInsensitive) == 0);
+    if (isOpened)
+        return QStringLiteral("it is %1: open it in the editor").arg(QLatin1String(kind));
+    return QStringLiteral("it is %1: give it the suffix .%2, then open it in the editor")
+        .arg(QLatin1String(kind), QLatin1String(ownSuffix));
+}
+
+// As above, of a text; the editor tells kinds by their suffix.
+QString editorRefusal(const Head& head, const QString& suffix)
 {
     if (head.starts("(") &&
         head.text().substr(0, head.text().find_first_of("\r\n")).find("SoundVelocity") !=
             std::string_view::npos)
-        return QStringLiteral("an .asvp profile");
+        return editorRefusal("an .asvp profile", "asvp", suffix);
     if (head.text().size() > 4 && head.text()[0] == '$' && head.text()[3] == 'S' &&
         head.text().substr(4, 2) != "50")
-        return QStringLiteral("a profile datagram (.ssp)");
-    if (head.hasLine("[cast header]") || head.hasLine("[measurementdata]"))
-        return QStringLiteral("an AML cast (.aml)");
+        return editorRefusal("a profile datagram", "ssp", suffix);
+    if (head.hasLine("[measurementdata]"))
+        return editorRefusal("an AML cast", "aml", suffix, "amlx");
+    if (head.hasLine("[cast header]"))
+        return QStringLiteral("it is an older AML export: the editor opens it with an import "
+                              "filter that describes its columns");
     if (head.hasLine("[columns]") && head.hasLine("[data]"))
-        return QStringLiteral("a Valeport cast (.vp2)");
+        return editorRefusal("a Valeport cast", "vp2", suffix);
     if (startsInAnyCase(head.text(), "now:"))
-        return QStringLiteral("a Valeport cast (.valeport)");
+        return editorRefusal("a Valeport cast", "valeport", suffix);
     return {};
 }
 
@@ -168,10 +184,16 @@ Detection detectFormat(const QByteArray& raw, const QString& suffix)
     if (isBinary(head.text()))
         return {-1, QStringLiteral("it is no text: a binary file of an instrument must be "
                                    "exported as text first")};
-    if (const QString kind = editorKind(head); !kind.isEmpty())
-        return {-1, QStringLiteral("it is %1: open it in the editor").arg(kind)};
+    if (const QString refusal = editorRefusal(head, suffix); !refusal.isEmpty())
+        return {-1, refusal};
     const int format = formatByWords(head);
     return format >= 0 ? Detection{format, {}} : detectTable(text, head, suffix);
+}
+
+bool isTable(int format)
+{
+    return format == datagram::DelimitedRows || format == datagram::DelimitedRowsToo ||
+           format == datagram::ScanListing || format == datagram::PlainColumns;
 }
 
 QString formatName(int format)

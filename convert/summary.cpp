@@ -44,12 +44,17 @@ QString padded(int number, int digits)
 
 } // namespace
 
-bool hasPlausibleSpeeds(const std::vector<ProbeSample>& samples)
+int impossibleSpeeds(const std::vector<ProbeSample>& samples)
 {
     const auto count = std::count_if(samples.begin(), samples.end(), [](const ProbeSample& sample) {
-        return sample.speed >= lowestSpeed && sample.speed <= highestSpeed;
+        return !(sample.speed >= lowestSpeed && sample.speed <= highestSpeed);
     });
-    return std::size_t(count) * 2 >= samples.size();
+    return int(count);
+}
+
+bool hasPlausibleSpeeds(const std::vector<ProbeSample>& samples)
+{
+    return std::size_t(impossibleSpeeds(samples)) * 2 <= samples.size();
 }
 
 bool areDepthsIncreasing(const std::vector<ProbeSample>& samples)

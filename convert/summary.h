@@ -17,6 +17,9 @@ constexpr double highestSpeed = 1700.0;
 /// of nothing else is a broken sensor or a wrong column.
 bool hasPlausibleSpeeds(const std::vector<datagram::ProbeSample>& samples);
 
+/// How many samples have another one.
+int impossibleSpeeds(const std::vector<datagram::ProbeSample>& samples);
+
 /// Whether each depth is greater than the one before.
 bool areDepthsIncreasing(const std::vector<datagram::ProbeSample>& samples);
 

@@ -110,11 +110,10 @@ QString textOrZero(const QString& degrees)
 // A profile of that name that holds something else is a surveyor's, and is kept as a backup.
 bool writeConverted(const QString& path, const QByteArray& content)
 {
-    QByteArray older;
-    const bool isSame = platform::readFile(path, older) && older == content;
+    QString kept;
     QString error;
     return platform::makeFolder(QFileInfo(path).path()) &&
-           saveOtherFile(path, content, !isSame, error) == platform::Replaced::Whole;
+           saveKeepingOther(path, content, kept, error) == platform::Replaced::Whole;
 }
 
 } // namespace

@@ -26,14 +26,35 @@ QString backupPath(const QString& path, const QDateTime& now)
     return name;
 }
 
+namespace {
+
+// Empty where there is no file to keep.
+QString backupOf(const QString& path)
+{
+    return QFileInfo(path).isFile() ? backupPath(path, QDateTime::currentDateTime()) : QString();
+}
+
+} // namespace
+
 platform::Replaced saveOtherFile(const QString& path, const QByteArray& content, bool keepBackup,
                                  QString& error)
 {
-    const bool isKept = keepBackup && QFileInfo(path).isFile();
-    const QString backup = isKept ? backupPath(path, QDateTime::currentDateTime()) : QString();
+    const QString backup = keepBackup ? backupOf(path) : QString();
     const platform::Replaced outcome = platform::replaceFileKeeping(path, backup, content, &error);
     if (outcome != platform::Replaced::Whole)
         qDebug().noquote() << "CSVP_WebInterface::writeSVPfile - WARNING -" << error;
+    return outcome;
+}
+
+platform::Replaced saveKeepingOther(const QString& path, const QByteArray& content, QString& kept,
+                                    QString& error)
+{
+    QByteArray older;
+    const bool isSame = platform::readFile(path, older) && older == content;
+    kept = isSame ? QString() : backupOf(path);
+    const platform::Replaced outcome = platform::replaceFileKeeping(path, kept, content, &error);
+    if (outcome != platform::Replaced::Whole || !QFileInfo::exists(kept))
+        kept.clear();
     return outcome;
 }
 

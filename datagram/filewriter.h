@@ -19,4 +19,10 @@ QString backupPath(const QString& path, const QDateTime& now);
 platform::Replaced saveOtherFile(const QString& path, const QByteArray& content, bool keepBackup,
                                  QString& error);
 
+/// As `saveOtherFile`, but the older file stays under a backup name where it holds something else,
+/// and nothing is logged. `kept` becomes the path of the backup; empty where there was nothing to
+/// keep, or it could not be kept.
+platform::Replaced saveKeepingOther(const QString& path, const QByteArray& content, QString& kept,
+                                    QString& error);
+
 } // namespace datagram

@@ -126,8 +126,11 @@ int readSvPlus(std::string_view text, ProbeCast& cast)
         }
         hasTable = hasTable || line.find("Sound") != std::string_view::npos;
     }
-    if (cast.header.latitudeMark == 'I' && !cast.samples.empty())
-        cast.remark = QStringLiteral("no latitude: each depth is the pressure times 0.1 / 1.008");
+    if (cast.header.latitudeMark == 'I' && !cast.samples.empty()) {
+        cast.remark = QStringLiteral("no latitude: the depths take the pressures for kPa; with "
+                                     "dbar they are a tenth of the true ones: give the file a "
+                                     "latitude");
+    }
     return finished(cast);
 }
 

@@ -13,12 +13,14 @@ namespace {
 
 constexpr std::size_t headerFields = 7;
 constexpr std::size_t rowFields = 5;
+constexpr std::size_t tailFields = 7;
+constexpr int mostSamples = 1000;
 constexpr double decibarsPerMegapascal = 100.0;
 constexpr double millisiemensPerSiemens = 10.0;
 
 // Line ends separate fields as commas do; a comma right after one adds no field. Without commas
-// blanks separate.
-std::vector<std::string_view> fieldsOf(std::string_view text)
+// blanks separate. Fields beyond `most` are passed over.
+std::vector<std::string_view> fieldsOf(std::string_view text, std::size_t most)
 {
     const Delimiter delimiter =
         text.find(',') == std::string_view::npos ? Delimiter::Blanks : Delimiter::Comma;
@@ -26,10 +28,10 @@ std::vector<std::string_view> fieldsOf(std::string_view text)
     std::vector<std::string_view> fields;
     profile::LineReader lines(text.substr(0, text.rfind('*')));
     std::string_view line;
-    while (lines.next(line)) {
+    while (all.size() < most && lines.next(line)) {
         if (!all.empty() && !line.empty() && line.front() == ',')
             line.remove_prefix(1);
-        splitFields(line, delimiter, fields);
+        splitFields(line, delimiter, fields, most - all.size());
         all.insert(all.end(), fields.begin(), fields.end());
     }
     return all;
@@ -77,9 +79,21 @@ int readPressureDatagram(std::string_view text, ProbeCast& cast)
         cast.reason = QStringLiteral("no profile datagram of content identifier 50");
         return 0;
     }
-    const std::vector<std::string_view> fields = fieldsOf(text);
+    constexpr std::size_t countField = 2;
+    const std::vector<std::string_view> start = fieldsOf(text, countField + 1);
     int stated = 0;
-    if (fields.size() < headerFields + rowFields || !wholeDigits(fields[2], stated)) {
+    if (start.size() <= countField || !wholeDigits(start[countField], stated)) {
+        cast.reason = QStringLiteral("no rows of levels");
+        return 0;
+    }
+    if (stated < 1 || stated > mostSamples) {
+        cast.reason =
+            QStringLiteral("it states %1 samples; 1 to %2 are legal").arg(stated).arg(mostSamples);
+        return 0;
+    }
+    const std::vector<std::string_view> fields =
+        fieldsOf(text, headerFields + std::size_t(stated) * rowFields + tailFields);
+    if (fields.size() < headerFields + rowFields) {
         cast.reason = QStringLiteral("no rows of levels");
         return 0;
     }

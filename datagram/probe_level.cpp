@@ -133,12 +133,12 @@ bool quantityOf(std::string_view name, Quantity& quantity)
     return false;
 }
 
-void splitAtBlanks(std::string_view line, std::vector<std::string_view>& fields)
+void splitAtBlanks(std::string_view line, std::vector<std::string_view>& fields, std::size_t most)
 {
     const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
     const char* at = line.data();
     const char* const end = at + line.size();
-    while (true) {
+    while (fields.size() < most) {
         while (at != end && isBlank(*at))
             ++at;
         if (at == end)
@@ -150,11 +150,12 @@ void splitAtBlanks(std::string_view line, std::vector<std::string_view>& fields)
     }
 }
 
-void splitAtEach(std::string_view line, char mark, std::vector<std::string_view>& fields)
+void splitAtEach(std::string_view line, char mark, std::vector<std::string_view>& fields,
+                 std::size_t most)
 {
     const char* start = line.data();
     const char* const end = start + line.size();
-    while (true) {
+    while (fields.size() < most) {
         const char* const at = std::find(start, end, mark);
         fields.emplace_back(start, std::size_t(at - start));
         if (at == end)
@@ -212,16 +213,17 @@ Column unitOf(Quantity quantity, std::string_view text)
     return column;
 }
 
-void splitFields(std::string_view line, Delimiter delimiter, std::vector<std::string_view>& fields)
+void splitFields(std::string_view line, Delimiter delimiter, std::vector<std::string_view>& fields,
+                 std::size_t most)
 {
     fields.clear();
     switch (delimiter) {
     case Delimiter::Tab:
-        return splitAtEach(line, '\t', fields);
+        return splitAtEach(line, '\t', fields, most);
     case Delimiter::Comma:
-        return splitAtEach(line, ',', fields);
+        return splitAtEach(line, ',', fields, most);
     case Delimiter::Blanks:
-        return splitAtBlanks(line, fields);
+        return splitAtBlanks(line, fields, most);
     }
 }
 

@@ -76,8 +76,13 @@ enum class Delimiter
     Comma,  ///< one comma
 };
 
-/// Cuts a line into fields; the list is cleared first.
-void splitFields(std::string_view line, Delimiter delimiter, std::vector<std::string_view>& fields);
+/// As many fields of a line as are looked at: far more than any file has columns, and a line of
+/// nothing but commas takes no gigabytes.
+constexpr std::size_t mostFields = 10000;
+
+/// Cuts a line into fields; the list is cleared first. Fields beyond `most` are passed over.
+void splitFields(std::string_view line, Delimiter delimiter, std::vector<std::string_view>& fields,
+                 std::size_t most = mostFields);
 
 /// The level in a row's fields; what they lack or what is no number stays unknown.
 seawater::Level levelOf(const std::vector<std::string_view>& fields, const ColumnMap& columns);

@@ -4,7 +4,9 @@
 #include "datagram/probe_text.h"
 #include "profile/textfile.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 // Sea-Bird converted data files (.cnv): header lines that begin with "*" (from the instrument),
 // "**" (typed by the operator) and "#" (from the conversion), "*END*", then rows of numbers.
@@ -13,7 +15,7 @@ namespace datagram::probe {
 
 namespace {
 
-constexpr int maxColumns = 10000;
+constexpr int maxColumns = int(mostFields) - 1; // a line of more is cut off there
 constexpr std::size_t fieldWidth = 11;
 constexpr double usualBadFlag = -9.990e-29;
 
@@ -75,12 +77,36 @@ constexpr ShortName shortNames[] = {
     {"c1uS/cm", Quantity::Conductivity, 0.001, 0.0},
 };
 
+struct NameWord
+{
+    std::string_view word; // lower case
+    Quantity quantity;
+};
+
+// Where no name begins with its quantity, these words tell it, wherever they stand: whole, with
+// their punctuation.
+constexpr NameWord nameWords[] = {
+    {"depth,", Quantity::Depth},
+    {"sound", Quantity::Speed},
+    {"temperature,", Quantity::Temperature},
+    {"salinity,", Quantity::Salinity},
+    {"pressure", Quantity::Pressure},
+};
+
+// Words that begin so make a name that of another quantity.
+constexpr std::string_view otherWords[] = {
+    "potential", "average", "avg",    "mean",   "diff", "delta", "offset", "coeff",
+    "specific",  "bottom",  "oxygen", "optode", "air",  "atmos", "barom",  "partial",
+};
+
 struct Header
 {
     int columnCount = 0;
+    bool statesCount = false;
     int namedColumns = 0;
     int flagColumn = -1;
     ColumnMap columns;
+    ColumnMap byWord; // for what no name begins with
     double badFlag = usualBadFlag;
     std::string_view startTime;
     std::string_view conversionTime;
@@ -88,6 +114,45 @@ struct Header
     bool hasEnd = false;
     bool isBinary = false;
 };
+
+bool isOtherQuantity(std::string_view name)
+{
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    std::size_t end = 0;
+    bool isPressure = false; // the word before, with nothing but blanks behind it
+    while (true) {
+        const std::size_t start = name.find_first_of(letters, end);
+        if (start == std::string_view::npos)
+            return false;
+        isPressure = isPressure && isBlank(name.substr(end, start - end));
+        end = std::min(name.find_first_not_of(letters, start), name.size());
+        const std::string_view word = name.substr(start, end - start);
+        const auto beginsWord = [word](std::string_view other) {
+            return startsInAnyCase(word, other);
+        };
+        // A sensor's own temperature is no water temperature.
+        if ((isPressure && beginsWord("temp")) ||
+            std::any_of(std::begin(otherWords), std::end(otherWords), beginsWord))
+            return true;
+        isPressure = beginsWord("press");
+    }
+}
+
+// A name holds one quantity: the first that one of its words tells.
+void takeByWord(std::string_view name, int index, ColumnMap& columns)
+{
+    Scanner scanner(name);
+    std::string_view word;
+    while (scanner.word(word)) {
+        for (const NameWord& known : nameWords) {
+            if (equalsInAnyCase(word, known.word)) {
+                Column column = unitOf(known.quantity, name);
+                column.index = index;
+                return columns.take(known.quantity, column);
+            }
+        }
+    }
+}
 
 // "3 = depSM: Depth [salt water, m]"
 void takeName(std::string_view value, Header& header)
@@ -108,8 +173,10 @@ void takeName(std::string_view value, Header& header)
         if (shortName == known.name)
             return header.columns.take(known.quantity, {index, known.factor, known.offset});
     }
-    if (shortName.size() < names.size())
-        header.columns.takeNamed(names.substr(shortName.size() + 1), index);
+    const std::string_view name =
+        shortName.size() < names.size() ? names.substr(shortName.size() + 1) : names;
+    if (!isOtherQuantity(name) && !header.columns.takeNamed(name, index))
+        takeByWord(names, index, header.byWord);
 }
 
 void takeConversionLine(std::string_view line, Header& header)
@@ -120,7 +187,8 @@ void takeConversionLine(std::string_view line, Header& header)
         takeName(value, header);
     } else if (itemValue(line, "nquan", value)) {
         number = wholeNumber(value);
-        header.columnCount = number > 0.0 && number < maxColumns ? int(number) : 0;
+        header.statesCount = number > 0.0 && number < maxColumns;
+        header.columnCount = header.statesCount ? int(number) : 0;
     } else if (itemValue(line, "bad_flag", value)) {
         if (Scanner(value).number(number))
             header.badFlag = number;
@@ -208,6 +276,8 @@ Header takeHeader(profile::LineReader& lines, ProbeCast& cast)
     }
     if (header.columnCount == 0)
         header.columnCount = header.namedColumns;
+    for (std::size_t i = 0; i < quantityCount; ++i)
+        header.columns.take(Quantity(i), header.byWord.at(Quantity(i)));
     takeTime(header, cast);
     return header;
 }
@@ -231,26 +301,22 @@ class Rows
     // Takes the row into the cast unless it is no row of numbers.
     void take(std::string_view line, ProbeCast& cast, double latitude)
     {
-        const auto count = std::size_t(m_header.columnCount);
-        const std::size_t size = line.find_last_not_of(" \t") + 1;
-        splitFields(line, Delimiter::Blanks, m_fields);
-        Reading reading = m_fields.size() == count ? read() : Reading::None;
-        if (reading != Reading::Whole && splitByWidth(line.substr(0, size), count, m_fields)) {
-            const Reading byWidth = read();
-            if (reading == Reading::None || byWidth == Reading::Whole) {
-                reading = byWidth;
-            } else {
-                splitFields(line, Delimiter::Blanks, m_fields);
-                read();
+        const Reading reading = readAs(line, m_header.columnCount);
+        if (reading == Reading::None && !readAsNamed(line)) {
+            if (isMiscounted(line)) {
+                ++m_miscounted;
+                ++cast.leftOut;
             }
-        }
-        if (reading == Reading::None)
             return;
+        }
         if (isFlagged())
             ++cast.leftOut;
         else
             addLevel(cast, m_level, latitude);
     }
+
+    // Rows of numbers that were dropped for how many they are.
+    int miscounted() const { return m_miscounted; }
 
   private:
     enum class Reading
@@ -259,6 +325,39 @@ class Rows
         Part,
         Whole
     };
+
+    // Reads the line as a row of so many fields.
+    Reading readAs(std::string_view line, int columnCount)
+    {
+        const auto count = std::size_t(columnCount);
+        const std::size_t size = line.find_last_not_of(" \t") + 1;
+        splitFields(line, Delimiter::Blanks, m_fields);
+        const Reading reading = m_fields.size() == count ? read() : Reading::None;
+        if (reading == Reading::Whole || !splitByWidth(line.substr(0, size), count, m_fields))
+            return reading;
+        const Reading byWidth = read();
+        if (reading == Reading::None || byWidth == Reading::Whole)
+            return byWidth;
+        splitFields(line, Delimiter::Blanks, m_fields);
+        return read();
+    }
+
+    // Some programs write fewer or more columns than nquan states, and a name for each.
+    bool readAsNamed(std::string_view line)
+    {
+        return m_header.namedColumns != m_header.columnCount &&
+               readAs(line, m_header.namedColumns) != Reading::None;
+    }
+
+    bool isMiscounted(std::string_view line)
+    {
+        double number = 0.0;
+        if (!Scanner(line).number(number))
+            return false;
+        splitFields(line, Delimiter::Blanks, m_fields);
+        return m_fields.size() != std::size_t(m_header.columnCount) &&
+               m_fields.size() != std::size_t(m_header.namedColumns);
+    }
 
     bool isBad(double value) const { return value == m_header.badFlag || value == usualBadFlag; }
 
@@ -296,6 +395,7 @@ class Rows
     const Header& m_header;
     std::vector<std::string_view> m_fields;
     seawater::Level m_level;
+    int m_miscounted = 0;
 };
 
 } // namespace
@@ -319,6 +419,12 @@ int readSeaBirdConverted(std::string_view text, ProbeCast& cast)
     std::string_view line;
     while (lines.next(line))
         rows.take(line, cast, latitude);
+    if (cast.samples.empty() && rows.miscounted() > 0 && header.columns.isEnough()) {
+        cast.reason = QStringLiteral("its rows have not the %1 columns that %2")
+                          .arg(header.columnCount)
+                          .arg(header.statesCount ? QLatin1String("nquan states")
+                                                  : QLatin1String("it names"));
+    }
     return finished(cast, header.columns);
 }
 

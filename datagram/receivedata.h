@@ -36,7 +36,9 @@ struct ProbeHeader
 struct ProbeCast
 {
     ProbeHeader header;
-    std::vector<ProbeSample> samples; ///< in file order; all values are finite
+    /// In file order. All values are finite but those of format 4: its reader lets "nan" and
+    /// "inf" through (`Scanner::anyNumber`) to the check of the samples, which names the sample.
+    std::vector<ProbeSample> samples;
     QString instrument; ///< the instrument or probe that the file names; empty where it does not
     int leftOut = 0;    ///< levels without a usable depth or sound speed, passed over
     QString remark;     ///< what a surveyor should know about the samples; may be empty

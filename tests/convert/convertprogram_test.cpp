@@ -93,7 +93,8 @@ TEST_F(ConvertProgram, EachSampleBecomesAProfileThatReadsBack)
          "0009 )"},
         {"calc-harbour.calc", "calc-harbour", 10, "CALC listing; 10 levels, ",
          "( SoundVelocity  1.0 0 20261115123400 59.50000000 10.25000000 -1 0 0 CALC_NA P 0010 )"},
-        {"svplus-probe.svp", "svplus-probe", 10, "no latitude: each depth is the pressure times",
+        {"svplus-probe.svp", "svplus-probe", 10,
+         "no latitude: the depths take the pressures for kPa",
          "( SoundVelocity  1.0 0 20261115123456 0 0 -1 0 0 SvPlus_NA P 0010 )"},
     };
     for (const auto& c : cases) {
@@ -113,24 +114,60 @@ TEST_F(ConvertProgram, EachSampleBecomesAProfileThatReadsBack)
                     .contains(" )\r\n1.000 1502.110\r\n2.000 1502.080\r\n"));
 }
 
-TEST_F(ConvertProgram, ProfilesGoBesideTheirFilesAndReplaceOlderOnes)
+TEST_F(ConvertProgram, ProfilesGoBesideTheirFilesAndKeepOlderOnes)
 {
-    write(QStringLiteral("a.b.asvp"), "old");
+    const QString older = write(QStringLiteral("a.b.asvp"), "a surveyor's own");
     const ProgramRun result = run({write(QStringLiteral("a.b.txt"), rows)});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(datagram::CReceiveData().parse(4, read(QStringLiteral("a.b.asvp"))), 2);
     EXPECT_EQ(read(QStringLiteral("a.b.txt")), rows);
+    const QStringList kept = QDir(m_folder.path()).entryList({QStringLiteral("a.b_bck_*.asvp")});
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(read(kept[0]), "a surveyor's own");
+    ASSERT_EQ(result.lines.size(), 1);
+    EXPECT_TRUE(result.lines[0].endsWith(
+        QStringLiteral(" -> %1; the earlier one is kept as %2").arg(older, path(kept[0]))))
+        << result.lines[0].toStdString();
+}
+
+TEST_F(ConvertProgram, TheSameProfileAgainIsNoOtherOne)
+{
+    const QStringList arguments = {example("calc-harbour.calc"), QStringLiteral("--to"),
+                                   m_folder.path()};
+    const QByteArray first = [&] {
+        run(arguments);
+        return read(QStringLiteral("calc-harbour.asvp"));
+    }();
+    const ProgramRun again = run(arguments);
+    EXPECT_EQ(again.exitCode, 0);
+    ASSERT_EQ(again.lines.size(), 1);
+    EXPECT_TRUE(again.lines[0].endsWith(QLatin1String("calc-harbour.asvp")));
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files),
+              QStringList(QStringLiteral("calc-harbour.asvp")));
+    EXPECT_EQ(read(QStringLiteral("calc-harbour.asvp")), first);
 }
 
 TEST_F(ConvertProgram, WithoutATimeTheCurrentOneStandsIn)
 {
     const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
-    for (const QString& file : {write(QStringLiteral("c.txt"), rows), example("deck-unit.txt")}) {
-        const ProgramRun result = run({file, QStringLiteral("--to"), path(QStringLiteral("o"))});
+    const QString table = QStringLiteral("; time and position are not read from a table (the "
+                                         "current time, UTC, stands in) -> ");
+    const QString none =
+        QStringLiteral("; no time (the current one, UTC, stands in); no position -> ");
+    const struct
+    {
+        QString file;
+        QString said;
+    } cases[] = {
+        {write(QStringLiteral("c.txt"), rows), table},
+        {write(QStringLiteral("d.csv"), "Date 2026-11-15\n1,1500,10\n2,1501,10\n"), table},
+        {example("scan-listing.txt"), table},
+        {example("deck-unit.txt"), none},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun result = run({c.file, QStringLiteral("--to"), path(QStringLiteral("o"))});
         ASSERT_EQ(result.lines.size(), 1);
-        EXPECT_TRUE(result.lines[0].contains(QLatin1String("no time (the current one, UTC, stands "
-                                                           "in); no position")))
-            << result.lines[0].toStdString();
+        EXPECT_TRUE(result.lines[0].contains(c.said)) << result.lines[0].toStdString();
     }
     for (const char* name : {"o/c.asvp", "o/deck-unit.asvp"}) {
         const QByteArray stamp = read(QString::fromLatin1(name)).mid(23, 14);
@@ -152,6 +189,28 @@ TEST_F(ConvertProgram, RowsKeepTheirOrderAndTheLineSaysSo)
                     .endsWith("\r\n2.000 1500.000\r\n1.000 1501.000\r\n1.000 1502.000\r\n"));
     const ProgramRun good = run({write(QStringLiteral("d.txt"), rows)});
     EXPECT_FALSE(good.lines.join(QString()).contains(QLatin1String("increase")));
+}
+
+TEST_F(ConvertProgram, SpeedsThatAreNoneOfWaterAreCounted)
+{
+    const struct
+    {
+        const char* rows;
+        const char* said;
+    } cases[] = {
+        {"1 0 10\n2 1501 10\n3 1502 10\n", "; 1 sound speed outside 1300 to 1700 m/s -> "},
+        {"1 1299.99 10\n2 1501 10\n3 1700.01 10\n4 1502 10\n",
+         "; 2 sound speeds outside 1300 to 1700 m/s -> "},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun result = run({write(QStringLiteral("c.txt"), c.rows)});
+        ASSERT_EQ(result.lines.size(), 1);
+        EXPECT_TRUE(result.lines[0].contains(QLatin1String(c.said)))
+            << result.lines[0].toStdString();
+    }
+    const ProgramRun good =
+        run({write(QStringLiteral("d.txt"), "1 1300 10\n2 1700 10\n3 1502 10\n")});
+    EXPECT_FALSE(good.lines.join(QString()).contains(QLatin1String("outside")));
 }
 
 TEST_F(ConvertProgram, FailuresSayWhyAndTheRestIsConverted)

@@ -87,15 +87,50 @@ TEST(Detection, TheSuffixDecidesBetweenTablesAlone)
 
 TEST(Detection, WhatTheEditorReadsIsLeftToIt)
 {
-    for (const char* text :
-         {"( SoundVelocity 1.0 0 20261115123456 0 0 -1 0 0 a P 2 )\n1 1500\n2 1501\n",
-          "$QZS00,00000,3,123456,15,11,2026,0.00,1500.00,,,\n",
-          "[HEADER]\nInstrument=x\n[COLUMNS]\nDepth=1\n[DATA]\nDepth\n1\t1500\t10\n",
-          "[Header]\nDate=2026-11-15\n[MeasurementData]\n1,1500,10\n2,1500,10\n",
-          "[cast header]\r\r\n1,1500,10\n2,1500,10\n",
-          "Now: 18/11/2026 10:20:30\n00.050\t20.500\t1480\n00.060\t20.500\t1480\n"})
-        EXPECT_TRUE(refusalOf(text).contains(QLatin1String("open it in the editor"))) << text;
+    const struct
+    {
+        const char* text;
+        const char* kind;
+        const char* suffix;
+    } cases[] = {
+        {"( SoundVelocity 1.0 0 20261115123456 0 0 -1 0 0 a P 2 )\n1 1500\n2 1501\n",
+         "an .asvp profile", "asvp"},
+        {"$QZS00,00000,3,123456,15,11,2026,0.00,1500.00,,,\n", "a profile datagram", "ssp"},
+        {"[HEADER]\nInstrument=x\n[COLUMNS]\nDepth=1\n[DATA]\nDepth\n1\t1500\t10\n",
+         "a Valeport cast", "vp2"},
+        {"[Header]\nDate=2026-11-15\n[MeasurementData]\n1,1500,10\n2,1500,10\n", "an AML cast",
+         "aml"},
+        {"Now: 18/11/2026 10:20:30\n00.050\t20.500\t1480\n00.060\t20.500\t1480\n",
+         "a Valeport cast", "valeport"},
+    };
+    for (const auto& c : cases) {
+        const QString suffix = QLatin1String(c.suffix);
+        const QString kind = QLatin1String(c.kind);
+        const QString own = QStringLiteral("it is %1: open it in the editor").arg(kind);
+        EXPECT_EQ(detectFormat(c.text, suffix).refusal, own);
+        EXPECT_EQ(detectFormat(c.text, suffix.toUpper()).refusal, own);
+        const QString other =
+            QStringLiteral("it is %1: give it the suffix .%2, then open it in the editor")
+                .arg(kind, suffix);
+        EXPECT_EQ(detectFormat(c.text, QStringLiteral("txt")).refusal, other);
+        EXPECT_EQ(refusalOf(c.text), other);
+    }
+    EXPECT_EQ(detectFormat("[MeasurementData]\n1,1500\n", QStringLiteral("amlx")).refusal,
+              QStringLiteral("it is an AML cast: open it in the editor"));
     EXPECT_EQ(formatOf("$QZS50,0,1,123456,15,11,2026,1,,10,4,\r\n"), datagram::PressureDatagram);
+}
+
+TEST(Detection, AnOlderAmlExportNeedsAnImportFilter)
+{
+    // It has no sections that the editor's reader of .aml files could go by.
+    const QString refusal = QStringLiteral("it is an older AML export: the editor opens it with an "
+                                           "import filter that describes its columns");
+    EXPECT_EQ(refusalOf("[cast header]\r\r\n1,1500,10\n2,1500,10\n"), refusal);
+    EXPECT_EQ(detectFormat("[Cast Header]\n1,1500,10\n2,1500,10\n", QStringLiteral("csv")).refusal,
+              refusal);
+    EXPECT_EQ(refusalOf("[cast header]\n[MeasurementData]\n1,1500\n"),
+              QStringLiteral("it is an AML cast: give it the suffix .aml, then open it in the "
+                             "editor"));
 }
 
 TEST(Detection, NoProfileIsMadeOfOtherTexts)

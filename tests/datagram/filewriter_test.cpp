@@ -61,6 +61,39 @@ TEST(SaveOtherFile, KeepsWhatItReplaces)
     EXPECT_TRUE(kept == "12" || kept == "21");
 }
 
+TEST(SaveKeepingOther, KeepsWhatHoldsSomethingElse)
+{
+    const DataFolder folder;
+    const QString path = folder.path(QStringLiteral("cast.asvp"));
+    QString kept = QStringLiteral("x");
+    QString error;
+    EXPECT_EQ(saveKeepingOther(path, "1", kept, error), platform::Replaced::Whole);
+    EXPECT_TRUE(kept.isEmpty());
+    EXPECT_EQ(saveKeepingOther(path, "1", kept, error), platform::Replaced::Whole);
+    EXPECT_TRUE(kept.isEmpty());
+    EXPECT_EQ(filesOf(folder), QStringList{QStringLiteral("cast.asvp")});
+
+    EXPECT_EQ(saveKeepingOther(path, "2", kept, error), platform::Replaced::Whole);
+    EXPECT_EQ(bytesOf(path), "2");
+    EXPECT_EQ(bytesOf(kept), "1");
+    EXPECT_TRUE(kept.startsWith(folder.path(QStringLiteral("cast_bck_")))) << qPrintable(kept);
+    EXPECT_EQ(filesOf(folder).size(), 2);
+}
+
+TEST(SaveKeepingOther, WhatCannotBeWrittenIsTold)
+{
+    const DataFolder folder;
+    QDir().mkpath(folder.path(QStringLiteral("folder.asvp")));
+    for (const char* name : {"none/cast.asvp", "folder.asvp"}) {
+        QString kept;
+        QString error;
+        EXPECT_EQ(saveKeepingOther(folder.path(QLatin1String(name)), "1", kept, error),
+                  platform::Replaced::NotOpened);
+        EXPECT_TRUE(kept.isEmpty());
+        EXPECT_FALSE(error.isEmpty());
+    }
+}
+
 TEST(SaveOtherFile, WhatCannotBeWrittenIsTold)
 {
     const DataFolder folder;

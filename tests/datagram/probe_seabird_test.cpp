@@ -90,6 +90,82 @@ TEST(SeaBird, NamesAreMatchedWholeAndTheFirstOneCounts)
     EXPECT_EQ(first.samples()[0].third, 2.0);
 }
 
+TEST(SeaBird, ANameWithoutAColonIsSearchedWhole)
+{
+    const CReceiveData data = read(file(
+        {"depth, salt water [m]", "Sound Velocity [ft/s]", "temperature, ITS-90 [deg C]", "t190C"},
+        "10 5000 12.5 13\n"));
+    ASSERT_EQ(data.samples().size(), 1U);
+    EXPECT_EQ(data.samples()[0].depth, 10.0);
+    EXPECT_NEAR(data.samples()[0].speed, 1524.0, 1e-9);
+    EXPECT_EQ(data.samples()[0].third, 12.5);
+    EXPECT_EQ(read(file({"prDM", "svCM"}, "10 1500\n")).samples().size(), 1U);
+}
+
+TEST(SeaBird, AWordAnywhereInANameServesWhereNoNameBeginsWithIt)
+{
+    const struct
+    {
+        QByteArrayList names;
+        bool isFound; // whether 1500 is read as the speed at 10 m
+    } cases[] = {
+        {{depth, "x: water sound velocity [m/s]"}, true},
+        {{depth, "water SOUND velocity [m/s]"}, true},
+        {{depth, "x: the speed of sound"}, true},
+        {{depth, "sound"}, true},
+        {{depth, "x: water sound, velocity"}, false}, // whole, with its punctuation
+        {{depth, "x: ultrasound velocity"}, false},
+        {{depth, "x: water sound: velocity"}, false},
+        {{"x: Instrument Depth, salt water [m]", speed}, true},
+        {{"instrument depth, salt water [m]", speed}, true},
+        {{"x: Instrument Depth [m]", speed}, false},
+        {{"x: Bottom Depth, salt water [m]", speed}, false},
+        {{"x: Instrument Depth, average [m]", speed}, false},
+        {{depth, "x: Average sound velocity [m/s]"}, false},
+        {{depth, "x: (Average) sound velocity [m/s]"}, false},
+        {{depth, "x: water sound velocity difference, 2 - 1"}, false},
+        {{depth, "x: water sound offset"}, false},
+        // The first such name counts, but any name that begins with the word comes before it.
+        {{depth, "x: water sound velocity", "y: air sound velocity"}, true},
+        {{depth, "y: water sound velocity", "x: Velocity of propagation"}, false},
+        {{"x: Instrument Depth, salt water [m]", speed, depth}, false},
+    };
+    for (const auto& c : cases) {
+        const CReceiveData data =
+            read(file(c.names, c.names.size() > 2 ? "10 1500 1\n" : "10 1500\n"));
+        const bool isFound = data.samples().size() == 1 && data.samples()[0].depth == 10.0 &&
+                             data.samples()[0].speed == 1500.0;
+        EXPECT_EQ(isFound, c.isFound) << c.names.join(" | ").constData();
+    }
+}
+
+TEST(SeaBird, OtherQuantitiesAreFoundByAWordToo)
+{
+    // Check values of the formulas, see below.
+    const QByteArrayList names = {"x: water pressure [psi]",
+                                  "y: in situ temperature, ITS-90 [deg F]",
+                                  "z: practical Salinity, PSS-78 [PSU]"};
+    const CReceiveData data = read(file(names, "14503.773 104 40\n"));
+    ASSERT_EQ(data.samples().size(), 1U);
+    EXPECT_NEAR(data.samples()[0].depth, 9714.953, 0.002);
+    EXPECT_NEAR(data.samples()[0].speed, 1731.995, 0.002);
+
+    // What stands there is another quantity, or another's.
+    for (const QByteArray& other :
+         {QByteArray("x: in situ Potential temperature, ITS-90"),
+          QByteArray("x: Pressure Temperature, ITS-90"),
+          QByteArray("x: strain gauge pressure temperature, ITS-90"),
+          QByteArray("x: Oxygen Temperature, SBE 63 [deg C]"),
+          QByteArray("temperature, potential, IPTS-68 [deg C]"),
+          QByteArray("x: computed sound velocity from temperature, salinity, and pressure")}) {
+        const CReceiveData without = read(file({pressure, salinity, other}, "10000 40 40\n"));
+        EXPECT_TRUE(without.samples().empty() || without.samples()[0].third == 0.0)
+            << other.constData();
+        const CReceiveData alone = read(file({other, speed, salinity}, "10000 1500 40\n"));
+        EXPECT_TRUE(alone.samples().empty()) << other.constData();
+    }
+}
+
 TEST(SeaBird, WhatIsLackingIsComputed)
 {
     // Check values of the formulas: 40, 40 °C, 10 000 dbar gives 1731.995 m/s; a conductivity of
@@ -232,9 +308,57 @@ TEST(SeaBird, CountsInTheHeaderAreNotTrusted)
             QByteArray(text).replace("# nquan = 2", QByteArray("# nquan = ") + count);
         EXPECT_EQ(read(odd).samples().size(), 2U) << count;
     }
-    EXPECT_EQ(read(QByteArray(text).replace("# nquan = 2", "# nquan = 3")).samples().size(), 0U);
+    for (const char* count : {"1", "3", "9999", "10000"}) {
+        const QByteArray odd =
+            QByteArray(text).replace("# nquan = 2", QByteArray("# nquan = ") + count);
+        EXPECT_EQ(read(odd).samples().size(), 2U) << count;
+    }
     EXPECT_EQ(read(QByteArray(text).replace("# name 1 =", "# name 4294967297 =")).samples().size(),
               0U);
+}
+
+TEST(SeaBird, RowsHaveAsManyFieldsAsAreStatedOrNamed)
+{
+    const QByteArray stated =
+        QByteArray(file({depth, speed}, "1 1500\n2 1501 7\n      3.000    1502.50\n"
+                                        "1234567.0001234567.250\n"))
+            .replace("# nquan = 2", "# nquan = 3");
+    const CReceiveData data = read(stated);
+    ASSERT_EQ(data.samples().size(), 4U);
+    EXPECT_EQ(data.samples()[1].speed, 1501.0);
+    EXPECT_EQ(data.samples()[3].speed, 1234567.25);
+    EXPECT_EQ(data.cast().leftOut, 0);
+}
+
+TEST(SeaBird, RowsOfAnotherNumberOfFieldsAreToldWhereNothingIsRead)
+{
+    const QByteArrayList names = {depth, speed, temperature};
+    const struct
+    {
+        QByteArray text;
+        const char* reason;
+    } cases[] = {
+        {file(names, "1 1500\n2 1501\n"), "its rows have not the 3 columns that nquan states"},
+        {file(names, "1 1500 10 9\n"), "its rows have not the 3 columns that nquan states"},
+        {file(names, "1 1500 10 9\n").replace("# nquan = 3", "# nquan = 7"),
+         "its rows have not the 7 columns that nquan states"},
+        {file(names, "1 1500 10 9\n").replace("# nquan = 3", "# nquan = x"),
+         "its rows have not the 3 columns that it names"},
+        {file(names, "1 1500\n2 -99 10\n"), "its rows have not the 3 columns that nquan states"},
+        {file(names, "2 -99 10\n"), "no level has both a depth and a sound speed"},
+        {file(names, "Depth Sound\n"), "no rows of levels"},
+        {file(names, ""), "no rows of levels"},
+        {file({salinity, speed}, "1\n"), "no column of depths or pressures"},
+    };
+    for (const auto& c : cases) {
+        const CReceiveData data = read(c.text);
+        EXPECT_TRUE(data.samples().empty());
+        EXPECT_EQ(data.cast().reason.toStdString(), c.reason);
+    }
+    // A row that was cut off is a level lost.
+    const CReceiveData cut = read(file(names, "1 1500 10\n2 1501 10\n3 15"));
+    EXPECT_EQ(cut.samples().size(), 2U);
+    EXPECT_EQ(cut.cast().leftOut, 1);
 }
 
 TEST(SeaBird, BinaryFilesAreRefused)
@@ -303,48 +427,4 @@ TEST(SeaBird, PositionsComeFromNavigationFirst)
         EXPECT_NEAR(data.header().longitude, c.longitude, 1e-5) << c.header;
         EXPECT_EQ(data.header().longitudeMark, c.longitudeMark) << c.header;
     }
-}
-
-TEST(SeaBirdDeckUnit, RowsFollowTheComputation)
-{
-    const QByteArray head = "1 1 1 1 1 1\nSBE 11plus\ncomputation 9 9 9 9 9 9\n";
-    CReceiveData data;
-    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
-    ASSERT_EQ(data.parse(10, head + "1.5 1500.5 10.25 4 5 6\n2 1501 10 4 5 6 more\n"), 2);
-    EXPECT_EQ(data.samples()[0].depth, 1.5);
-    EXPECT_EQ(data.samples()[0].speed, 1500.5);
-    EXPECT_EQ(data.samples()[0].third, 10.25);
-    const ProbeHeader& h = data.header();
-    ASSERT_TRUE(h.hasTime);
-    const QDateTime time(QDate(h.year, h.month, h.day), QTime(h.hours, h.minutes, h.seconds),
-                         Qt::UTC);
-    EXPECT_GE(time, before);
-    EXPECT_LE(time, QDateTime::currentDateTimeUtc());
-    EXPECT_EQ(h.latitude, 0.0);
-    EXPECT_EQ(h.latitudeMark, 'I');
-    EXPECT_EQ(h.longitude, 0.0);
-    EXPECT_EQ(h.longitudeMark, 'I');
-}
-
-TEST(SeaBirdDeckUnit, ReadingStopsAtTheFirstRowThatIsNone)
-{
-    const QByteArray head = "SBE 11plus\ncomputation\n";
-    const struct
-    {
-        const char* rows;
-        int count;
-    } cases[] = {
-        {"1 1500 1 1 1 1\n2 1500 1 1 1\n3 1500 1 1 1 1\n", 1},
-        {"1 1500 1 1 1 1\n\n3 1500 1 1 1 1\n", 1},
-        {"1 1500 1 1 1 1\n0 0 1 1 1 1\n3 1500 1 1 1 1\n", 1},
-        {"0 1500 1 1 1 1\n1 0 1 1 1 1\n3 1500 1 1 1 1\n", 3},
-        {"1 1500 1 1 1 nan\n", 0},
-        {"0 0 0 0 0 0\n", 0},
-        {"", 0},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(CReceiveData().parse(10, head + c.rows), c.count) << c.rows;
-    EXPECT_EQ(CReceiveData().parse(10, "computation\n1 1500 1 1 1 1\n"), 0);
-    EXPECT_EQ(CReceiveData().parse(10, "SBE 11plus\n1 1500 1 1 1 1\n"), 0);
-    EXPECT_EQ(CReceiveData().parse(10, "SBE 11PLUS\ncomputation\n1 1500 1 1 1 1\n"), 0);
 }

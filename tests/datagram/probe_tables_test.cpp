@@ -1,3 +1,4 @@
+#include "datagram/probe_level.h"
 #include "datagram/receivedata.h"
 
 #include <gtest/gtest.h>
@@ -244,7 +245,9 @@ TEST(SvPlus, DepthsComeFromPressures)
     ASSERT_EQ(without.samples().size(), 2U);
     expectSample(without.samples()[0], 100.0 * 0.1 / 1.008, 1500.5, 100.0);
     expectSample(without.samples()[1], 1000.0 * 0.1 / 1.008, 1510.25, 1000.0);
-    EXPECT_FALSE(without.cast().remark.isEmpty());
+    EXPECT_EQ(without.cast().remark,
+              QStringLiteral("no latitude: the depths take the pressures for kPa; with dbar they "
+                             "are a tenth of the true ones: give the file a latitude"));
 
     // By hand, for 30 degrees north and south.
     for (const char* latitude : {"Latitude: 30 0.0 N\n", "Latitude = -30\n", "Lat 30 00 00 S\n"}) {
@@ -319,6 +322,57 @@ TEST(PressureDatagram, RowsArePressureTemperatureConductivity)
     ASSERT_EQ(blanks.samples().size(), 1U);
     EXPECT_NEAR(blanks.samples()[0].speed, 1731.995, 0.001);
     EXPECT_EQ(blanks.header().longitudeMark, 'E');
+}
+
+TEST(PressureDatagram, StatesOneToAThousandSamples)
+{
+    const auto datagram = [](int stated, int rows) {
+        return "$QZS50,0," + QByteArray::number(stated) + ",123456,15,11,2026," +
+               QByteArray("1,,10,4,\r\n").repeated(rows) + "3330.0,S,15115.0,E,,,*00\\\r\n";
+    };
+    EXPECT_EQ(read(3, datagram(1, 1)).samples().size(), 1U);
+    const CReceiveData most = read(3, datagram(1000, 1000));
+    EXPECT_EQ(most.samples().size(), 1000U);
+    EXPECT_EQ(most.header().latitudeMark, 'S');
+    EXPECT_NEAR(most.header().longitude, 15115.0, 1e-9);
+    for (const int stated : {0, 1001}) {
+        const CReceiveData data = read(3, datagram(stated, 1001));
+        EXPECT_TRUE(data.samples().empty()) << stated;
+        EXPECT_EQ(data.cast().reason,
+                  QStringLiteral("it states %1 samples; 1 to 1000 are legal").arg(stated));
+    }
+    // Rows beyond the stated ones are none.
+    EXPECT_EQ(read(3, datagram(2, 900)).samples().size(), 2U);
+}
+
+TEST(Fields, AreTakenUpToALimit)
+{
+    using namespace datagram::probe;
+    std::vector<std::string_view> fields;
+    for (const Delimiter delimiter : {Delimiter::Blanks, Delimiter::Comma, Delimiter::Tab}) {
+        const char mark = delimiter == Delimiter::Blanks  ? ' '
+                          : delimiter == Delimiter::Comma ? ','
+                                                          : '\t';
+        const std::string line = [mark] {
+            std::string text;
+            for (int i = 0; i < 20000; ++i)
+                text.append("1").push_back(mark);
+            return text;
+        }();
+        splitFields(line, delimiter, fields);
+        EXPECT_EQ(fields.size(), 10000U);
+        EXPECT_EQ(fields.back(), "1");
+        splitFields(std::string_view(line).substr(0, 19999), delimiter, fields);
+        EXPECT_EQ(fields.size(), 10000U);
+        splitFields(std::string_view(line).substr(0, 19997), delimiter, fields);
+        EXPECT_EQ(fields.size(), 9999U);
+        splitFields(line, delimiter, fields, 3);
+        EXPECT_EQ(fields.size(), 3U);
+        splitFields(line, delimiter, fields, 0);
+        EXPECT_TRUE(fields.empty());
+        splitFields(std::string_view("1\0"), delimiter, fields, 3);
+        EXPECT_EQ(fields.size(), 1U);
+    }
 }
 
 TEST(PressureDatagram, OtherTextsAreNone)
