@@ -34,6 +34,12 @@ struct DatePart
     std::size_t digits = 0;
 };
 
+// How many digits a text begins with.
+std::size_t leadingDigits(std::string_view text)
+{
+    return std::size_t(std::find_if_not(text.begin(), text.end(), isDigit) - text.begin());
+}
+
 // The first three whole numbers of a text. False when there are fewer.
 bool threeNumbers(std::string_view text, std::array<DatePart, 3>& parts)
 {
@@ -71,15 +77,35 @@ std::string_view orderOf(std::string_view pattern, std::array<char, 3>& letters)
     return isWhole ? order : std::string_view();
 }
 
+// The three numbers of a date. In eight digits without a gap the year goes first when a month can
+// follow it: what ends in a year of our times has a 19 or more there. Only a day can be taken for
+// that, so the pattern has to tell where the day follows the year.
+bool dateParts(std::string_view date, std::string_view order, std::array<DatePart, 3>& parts)
+{
+    constexpr std::size_t digits = 8;
+    if (date.size() != digits || leadingDigits(date) != digits)
+        return threeNumbers(date, parts);
+    const auto number = [date](std::size_t from, std::size_t length) {
+        DatePart part = {0, length};
+        std::from_chars(date.data() + from, date.data() + from + length, part.value);
+        return part;
+    };
+    if (order == "ydm" || number(4, 2).value <= 12)
+        parts = {number(0, 4), number(4, 2), number(6, 2)};
+    else
+        parts = {number(0, 2), number(2, 2), number(4, 4)};
+    return true;
+}
+
 // yyyyMMdd of a date whose year has four digits. A date that ends in its year is read by the
 // pattern, without one only when no other reading makes sense. Empty when it is no date.
 QString dateDigits(std::string_view date, std::string_view pattern)
 {
-    std::array<DatePart, 3> parts;
-    if (!threeNumbers(date, parts))
-        return {};
     std::array<char, 3> letters = {};
     std::string_view order = orderOf(pattern, letters);
+    std::array<DatePart, 3> parts;
+    if (!dateParts(date, order, parts))
+        return {};
     const std::size_t year = parts[0].digits == 4 ? 0 : 2;
     if (parts[year].digits != 4)
         return {};
@@ -100,11 +126,41 @@ QString dateDigits(std::string_view date, std::string_view pattern)
         .arg(part('d'), 2, 10, QLatin1Char('0'));
 }
 
-// HHmmss of "hh:mm:ss" and what may follow.
+// Hours and minutes alone, "hh:mm": the third number is 0.
+bool isHoursAndMinutes(std::string_view time, std::array<DatePart, 3>& parts)
+{
+    constexpr std::size_t maxDigits = 2;
+    const std::size_t colon = leadingDigits(time);
+    if (colon == 0 || colon > maxDigits || colon == time.size() || time[colon] != ':')
+        return false;
+    const std::string_view minutes = time.substr(colon + 1);
+    if (minutes.size() != maxDigits || leadingDigits(minutes) != maxDigits)
+        return false;
+    std::from_chars(time.data(), time.data() + colon, parts[0].value);
+    std::from_chars(minutes.data(), minutes.data() + minutes.size(), parts[1].value);
+    parts[2] = {};
+    return true;
+}
+
+// Six digits, "hhmmss", and perhaps decimals of the seconds.
+bool isCompactTime(std::string_view time)
+{
+    constexpr std::size_t digits = 6;
+    if (leadingDigits(time) != digits)
+        return false;
+    if (time.size() == digits)
+        return true;
+    const std::string_view decimals = time.substr(digits + 1);
+    return time[digits] == '.' && leadingDigits(decimals) == decimals.size();
+}
+
+// HHmmss of "hh:mm:ss" and what may follow, of "hh:mm" or of "hhmmss".
 QString timeDigits(std::string_view time)
 {
+    if (isCompactTime(time))
+        return QString::fromLatin1(time.data(), 6);
     std::array<DatePart, 3> parts;
-    if (!threeNumbers(time, parts))
+    if (!threeNumbers(time, parts) && !isHoursAndMinutes(time, parts))
         return {};
     QString digits;
     for (const DatePart& part : parts)
@@ -198,6 +254,7 @@ bool fnDecodeAML_AML(const QByteArray& text, tagDecodeFmt& format)
     const QString stamp = dateDigits(date, datePattern) + timeDigits(time);
     qint64 moment = 0;
     format.time = parseStamp(stamp, moment) ? stamp : QString();
+    format.isTimeUnread = !date.empty() && format.time.isEmpty();
     format.description = descriptionOf(model, serialNumber);
     return finishFormat(lines.dataLine(), format);
 }

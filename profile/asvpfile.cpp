@@ -7,6 +7,8 @@
 #include <QDebug>
 #include <QDir>
 
+#include <algorithm>
+
 namespace profile {
 
 namespace {
@@ -32,8 +34,19 @@ QString headerWord(const QString& value, int index)
 
 QStringList parseAsvpHeader(const QString& line)
 {
-    const QString inner = line.trimmed().mid(1).chopped(line.trimmed().size() > 1 ? 1 : 0);
-    QStringList words = inner.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringRef trimmed = QStringRef(&line).trimmed();
+    const QStringRef inner = trimmed.mid(1, std::max(trimmed.size() - 2, 0));
+    // One word too many is enough to know: a line may be millions of them.
+    QStringList words;
+    int at = 0;
+    while (at < inner.size() && words.size() <= asvpHeaderWords) {
+        const int start = at;
+        while (at < inner.size() && !inner.at(at).isSpace())
+            ++at;
+        if (at > start)
+            words << inner.mid(start, at - start).toString();
+        ++at;
+    }
     if (words.size() != asvpHeaderWords)
         return {};
     if (words[timeWord].size() == 12)

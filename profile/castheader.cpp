@@ -40,8 +40,12 @@ void insertCastHeader(QJsonObject& reply, const CastHeader& header)
         reply.insert(key::latitude, header.latitude);
     if (!header.longitude.isEmpty())
         reply.insert(key::longitude, header.longitude);
-    if (!header.comment.isEmpty())
-        reply.insert(key::comment, header.comment);
+    QStringList comment = {header.comment};
+    if (!isKnown && header.isTimeUnread)
+        comment << QStringLiteral("The time in the file is not understood: it is the current one.");
+    comment.removeAll(QString());
+    if (!comment.isEmpty())
+        reply.insert(key::comment, comment.join(QLatin1Char(' ')));
 }
 
 bool parseStamp(const QString& stamp, qint64& milliseconds)

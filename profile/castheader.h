@@ -14,12 +14,14 @@ struct CastHeader
     QString source;            ///< where the profile came from
     QString time;              ///< yyyyMMddHHmmss, UTC; the current time where it is no moment
     bool isTimeNumber = false; ///< a known time goes out as milliseconds since 1970
+    bool isTimeUnread = false; ///< the file tells a time that could not be understood
     QString latitude;          ///< decimal degrees; left out when empty
     QString longitude;         ///< decimal degrees; left out when empty
     QString comment;           ///< left out when empty
 };
 
-/// Puts the header keys into a reply.
+/// Puts the header keys into a reply. A time that could not be understood is told at the end of the
+/// comment: nobody would see it from the current time that stands in.
 void insertCastHeader(QJsonObject& reply, const CastHeader& header);
 
 /// Milliseconds since 1970 of "yyyyMMddHHmmss", UTC. False when the text names no moment.

@@ -22,6 +22,17 @@ enum class SalinityWord
     Conductivity
 };
 
+struct tagDecodeFmt;
+
+/// A column whose quantity stands once more behind it. It is read where the later one has no
+/// number.
+struct EarlierColumn
+{
+    int tagDecodeFmt::*quantity = nullptr; ///< the field that names the later column
+    int column = -1;
+    double factor = 1.0; ///< as the factor of the later column
+};
+
 /// How the columns of a text file are read, and what a decoder found about the file. Column
 /// numbers count from 0; -1 is an absent one.
 struct tagDecodeFmt
@@ -43,11 +54,13 @@ struct tagDecodeFmt
     SalinityWord salinityWord = SalinityWord::Undefined;
 
     // Found by the decoder of an instrument file; empty (0 rows) where the file does not say.
-    int rowCount = 0;    ///< sample rows that the file announces
-    QString time;        ///< yyyyMMddHHmmss
-    QString latitude;    ///< as the file gives it
-    QString longitude;   ///< as the file gives it
-    QString description; ///< e.g. "Valeport SWiFT vp2 format."
+    std::vector<EarlierColumn> earlierColumns; ///< one for a quantity at most
+    int rowCount = 0;                          ///< sample rows that the file announces
+    QString time;                              ///< yyyyMMddHHmmss
+    bool isTimeUnread = false; ///< the file tells a time, but it could not be understood
+    QString latitude;          ///< as the file gives it
+    QString longitude;         ///< as the file gives it
+    QString description;       ///< e.g. "Valeport SWiFT vp2 format."
 };
 
 /// A set of line numbers, written as numbers and ranges separated by ";": "1;3-5". Lines count

@@ -28,7 +28,10 @@ char takeLetter(std::string_view& text)
     char letter = '\0';
     if (!text.empty() && letters.find(upper(text.back())) != letters.npos) {
         letter = upper(text.back());
-        text.remove_suffix(1);
+        text = trimmedText(text.substr(0, text.size() - 1));
+        // "59.5,S": the letter is a field of its own.
+        if (!text.empty() && text.back() == ',')
+            text.remove_suffix(1);
     } else if (!text.empty() && letters.find(upper(text.front())) != letters.npos) {
         letter = upper(text.front());
         text.remove_prefix(1);
@@ -73,6 +76,9 @@ bool parseParts(std::string_view text, double& degrees)
         // Only the last part may have decimals.
         isWhole = text.substr(0, length).find('.') == text.npos;
         text.remove_prefix(length);
+        // A hyphen joins two parts, "59-30-36"; with a blank in front it would be a sign.
+        if (text.size() > 1 && text[0] == '-' && isDigit(text[1]))
+            text.remove_prefix(1);
         while (!text.empty() && isGap(text.front()))
             text.remove_prefix(1);
         ++count;

@@ -25,13 +25,6 @@ double latitudeOf(const tagDecodeFmt& format)
     return latitude;
 }
 
-// What goes into a record; beyond it a number is as good as none.
-double scaled(const ColumnNumber& number, double factor)
-{
-    const double value = number.value * factor;
-    return fitsFloat(value) ? value : seawater::unknown;
-}
-
 float orZero(double value)
 {
     return fitsFloat(value) ? float(value) : 0.0F;
@@ -56,16 +49,85 @@ enum Place
 };
 using Row = std::array<ColumnNumber, PlaceCount>;
 
-// Reads rows. Pressure and conductivity are only read where something else is missing.
+// Columns and the factors that bring their numbers into the units of the engine.
+struct Columns
+{
+    std::array<int, PlaceCount> numbers;
+    std::array<double, PlaceCount> factors;
+};
+
+Columns columnsOf(const tagDecodeFmt& format)
+{
+    return {{format.depthColumn, format.speedColumn, format.temperatureColumn,
+             format.salinityColumn, format.pressureColumn, format.conductivityColumn},
+            {format.depthFactor, format.speedFactor, 1.0, 1.0, format.pressureFactor,
+             format.conductivityFactor}};
+}
+
+// Those without which a row is not whole.
+Columns measuredColumnsOf(const tagDecodeFmt& format)
+{
+    Columns columns = columnsOf(format);
+    columns.numbers[Pressure] = -1;
+    columns.numbers[Conductivity] = -1;
+    return columns;
+}
+
+Columns earlierColumnsOf(const tagDecodeFmt& format)
+{
+    constexpr int tagDecodeFmt::*quantities[PlaceCount] = {
+        &tagDecodeFmt::depthColumn,       &tagDecodeFmt::speedColumn,
+        &tagDecodeFmt::temperatureColumn, &tagDecodeFmt::salinityColumn,
+        &tagDecodeFmt::pressureColumn,    &tagDecodeFmt::conductivityColumn,
+    };
+    Columns columns;
+    columns.numbers.fill(-1);
+    columns.factors.fill(1.0);
+    for (const EarlierColumn& earlier : format.earlierColumns) {
+        const auto place = std::size_t(
+            std::find(std::begin(quantities), std::end(quantities), earlier.quantity) - quantities);
+        if (place < columns.numbers.size()) {
+            columns.numbers[place] = earlier.column;
+            columns.factors[place] = earlier.factor;
+        }
+    }
+    return columns;
+}
+
+// Reads the numbers of some columns. One that does not go into a record is as good as none.
+class ScaledRows
+{
+  public:
+    ScaledRows(char separator, const Columns& columns)
+        : m_numbers(separator, columns.numbers), m_factors(columns.factors)
+    {
+    }
+
+    Row read(std::string_view line) const
+    {
+        Row row = m_numbers.read(line);
+        for (std::size_t place = 0; place < row.size(); ++place) {
+            const double value = row[place].value * m_factors[place];
+            row[place].value = fitsFloat(value) ? value : seawater::unknown;
+        }
+        return row;
+    }
+
+  private:
+    RowReader<PlaceCount> m_numbers;
+    std::array<double, PlaceCount> m_factors;
+};
+
+// Reads rows. Pressure and conductivity are only read where something else is missing, earlier
+// columns where the later ones have no number.
 class InstrumentRows
 {
   public:
     explicit InstrumentRows(const tagDecodeFmt& format)
-        : m_measured(format.separator, {format.depthColumn, format.speedColumn,
-                                        format.temperatureColumn, format.salinityColumn, -1, -1}),
-          m_all(format.separator,
-                {format.depthColumn, format.speedColumn, format.temperatureColumn,
-                 format.salinityColumn, format.pressureColumn, format.conductivityColumn}),
+        : m_measured(format.separator, measuredColumnsOf(format)),
+          m_all(format.separator, columnsOf(format)),
+          m_earlier(format.separator, earlierColumnsOf(format)),
+          m_hasEarlier(!format.earlierColumns.empty()),
           m_needsSalinity(format.conductivityColumn >= 0),
           m_needsAll(format.depthColumn < 0 || format.speedColumn < 0 ||
                      (format.salinityColumn < 0 && m_needsSalinity))
@@ -75,16 +137,33 @@ class InstrumentRows
     Row read(std::string_view line) const
     {
         if (m_needsAll)
-            return m_all.read(line);
-        const Row row = m_measured.read(line);
+            return completed(m_all.read(line), line);
+        const Row row = completed(m_measured.read(line), line);
         const bool isWhole = row[Depth].isKnown() && row[Speed].isKnown() &&
                              (row[Salinity].isKnown() || !m_needsSalinity);
-        return isWhole ? row : m_all.read(line);
+        return isWhole ? row : completed(m_all.read(line), line);
     }
 
   private:
-    RowReader<PlaceCount> m_measured;
-    RowReader<PlaceCount> m_all;
+    Row completed(Row row, std::string_view line) const
+    {
+        if (!m_hasEarlier)
+            return row;
+        const auto isKnown = [](const ColumnNumber& number) { return number.isKnown(); };
+        if (std::all_of(row.begin(), row.begin() + Pressure, isKnown))
+            return row;
+        const Row earlier = m_earlier.read(line);
+        for (std::size_t place = 0; place < row.size(); ++place) {
+            if (!row[place].isKnown())
+                row[place] = earlier[place];
+        }
+        return row;
+    }
+
+    ScaledRows m_measured;
+    ScaledRows m_all;
+    ScaledRows m_earlier;
+    bool m_hasEarlier;
     bool m_needsSalinity; // there is something to compute it from
     bool m_needsAll;
 };
@@ -105,16 +184,16 @@ InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt&
     LineReader lines(text);
     std::string_view line;
     while (lines.next(line)) {
-        if (skipped.contains(lines.number()))
+        if (line.empty() || skipped.contains(lines.number()))
             continue;
         const Row row = rows.read(line);
         seawater::Level level;
-        level.depth = scaled(row[Depth], format.depthFactor);
-        level.speed = scaled(row[Speed], format.speedFactor);
-        level.temperature = scaled(row[Temperature], 1.0);
-        level.salinity = scaled(row[Salinity], 1.0);
-        level.pressure = scaled(row[Pressure], format.pressureFactor);
-        level.conductivity = scaled(row[Conductivity], format.conductivityFactor);
+        level.depth = row[Depth].value;
+        level.speed = row[Speed].value;
+        level.temperature = row[Temperature].value;
+        level.salinity = row[Salinity].value;
+        level.pressure = row[Pressure].value;
+        level.conductivity = row[Conductivity].value;
         const bool isWhole = !std::isnan(level.depth) && !std::isnan(level.speed) &&
                              (!std::isnan(level.salinity) || std::isnan(level.conductivity));
         if (!isWhole && !seawater::completeLevel(level, latitude))
@@ -156,6 +235,7 @@ OpenedProfile openInstrumentFile(const QByteArray& content, const QString& name,
     header.type = levels.hasWater ? QStringLiteral("01") : QStringLiteral("00");
     header.source = baseName(name);
     header.time = format.time;
+    header.isTimeUnread = format.isTimeUnread;
     header.latitude = degreesText(format.latitude.toStdString(), Axis::Latitude);
     header.longitude = degreesText(format.longitude.toStdString(), Axis::Longitude);
     header.comment = format.description;

@@ -10,38 +10,94 @@ namespace {
 
 struct Unit
 {
-    double tagDecodeFmt::*factor;
     int tagDecodeFmt::*column;
     std::string_view name;
-    double value;
+    double factor;
 };
 
 constexpr double dbarPerPsi = 0.6894757293168;
 constexpr double metresPerFoot = 0.3048;
 
-// Only units that differ from the usual one. "mS/M" is not among them: instruments write it so and
-// mean mS/cm.
+// "mS/M" is no mS/m: instruments write it so and mean mS/cm. Signs beyond ASCII stand here in UTF-8
+// and in Latin-1.
 constexpr Unit units[] = {
-    {&tagDecodeFmt::conductivityFactor, &tagDecodeFmt::conductivityColumn, "S/m", 10.0},
-    {&tagDecodeFmt::conductivityFactor, &tagDecodeFmt::conductivityColumn, "uS/cm", 0.001},
-    {&tagDecodeFmt::conductivityFactor, &tagDecodeFmt::conductivityColumn, "\xC2\xB5S/cm", 0.001},
-    {&tagDecodeFmt::conductivityFactor, &tagDecodeFmt::conductivityColumn, "\xCE\xBCS/cm", 0.001},
-    {&tagDecodeFmt::conductivityFactor, &tagDecodeFmt::conductivityColumn, "\xB5S/cm", 0.001},
-    {&tagDecodeFmt::pressureFactor, &tagDecodeFmt::pressureColumn, "kPa", 0.1},
-    {&tagDecodeFmt::pressureFactor, &tagDecodeFmt::pressureColumn, "MPa", 100.0},
-    {&tagDecodeFmt::pressureFactor, &tagDecodeFmt::pressureColumn, "bar", 10.0},
-    {&tagDecodeFmt::pressureFactor, &tagDecodeFmt::pressureColumn, "mbar", 0.01},
-    {&tagDecodeFmt::pressureFactor, &tagDecodeFmt::pressureColumn, "psi", dbarPerPsi},
-    {&tagDecodeFmt::depthFactor, &tagDecodeFmt::depthColumn, "ft", metresPerFoot},
-    {&tagDecodeFmt::depthFactor, &tagDecodeFmt::depthColumn, "feet", metresPerFoot},
-    {&tagDecodeFmt::speedFactor, &tagDecodeFmt::speedColumn, "ft/s", metresPerFoot},
+    {&tagDecodeFmt::depthColumn, "m", 1.0},
+    {&tagDecodeFmt::depthColumn, "metre", 1.0},
+    {&tagDecodeFmt::depthColumn, "metres", 1.0},
+    {&tagDecodeFmt::depthColumn, "meter", 1.0},
+    {&tagDecodeFmt::depthColumn, "meters", 1.0},
+    {&tagDecodeFmt::depthColumn, "ft", metresPerFoot},
+    {&tagDecodeFmt::depthColumn, "feet", metresPerFoot},
+    {&tagDecodeFmt::speedColumn, "m/s", 1.0},
+    {&tagDecodeFmt::speedColumn, "m/sec", 1.0},
+    {&tagDecodeFmt::speedColumn, "Ms-1", 1.0},
+    {&tagDecodeFmt::speedColumn, "m s-1", 1.0},
+    {&tagDecodeFmt::speedColumn, "ft/s", metresPerFoot},
+    {&tagDecodeFmt::temperatureColumn, "C", 1.0},
+    {&tagDecodeFmt::temperatureColumn,
+     "\xC2\xB0"
+     "C",
+     1.0},
+    {&tagDecodeFmt::temperatureColumn,
+     "\xB0"
+     "C",
+     1.0},
+    {&tagDecodeFmt::temperatureColumn,
+     "\xC2\xBA"
+     "C",
+     1.0},
+    {&tagDecodeFmt::temperatureColumn, "DegC", 1.0},
+    {&tagDecodeFmt::temperatureColumn, "deg C", 1.0},
+    {&tagDecodeFmt::temperatureColumn, "degrees C", 1.0},
+    {&tagDecodeFmt::temperatureColumn, "Celsius", 1.0},
+    {&tagDecodeFmt::salinityColumn, "PSU", 1.0},
+    {&tagDecodeFmt::salinityColumn, "PSS", 1.0},
+    {&tagDecodeFmt::salinityColumn, "PSS-78", 1.0},
+    {&tagDecodeFmt::salinityColumn, "ppt", 1.0},
+    {&tagDecodeFmt::pressureColumn, "dbar", 1.0},
+    {&tagDecodeFmt::pressureColumn, "decibar", 1.0},
+    {&tagDecodeFmt::pressureColumn, "db", 1.0},
+    {&tagDecodeFmt::pressureColumn, "kPa", 0.1},
+    {&tagDecodeFmt::pressureColumn, "MPa", 100.0},
+    {&tagDecodeFmt::pressureColumn, "bar", 10.0},
+    {&tagDecodeFmt::pressureColumn, "mbar", 0.01},
+    {&tagDecodeFmt::pressureColumn, "psi", dbarPerPsi},
+    {&tagDecodeFmt::conductivityColumn, "mS/cm", 1.0},
+    {&tagDecodeFmt::conductivityColumn, "mS/M", 1.0},
+    {&tagDecodeFmt::conductivityColumn, "S/m", 10.0},
+    {&tagDecodeFmt::conductivityColumn, "uS/cm", 0.001},
+    {&tagDecodeFmt::conductivityColumn, "\xC2\xB5S/cm", 0.001},
+    {&tagDecodeFmt::conductivityColumn, "\xCE\xBCS/cm", 0.001},
+    {&tagDecodeFmt::conductivityColumn, "\xB5S/cm", 0.001},
 };
 
-double* factorOf(int tagDecodeFmt::*column, tagDecodeFmt& format)
+// The unit of a quantity, null where the text is none.
+const Unit* unitOf(int tagDecodeFmt::*column, std::string_view name)
 {
     for (const Unit& unit : units) {
-        if (unit.column == column)
-            return &(format.*unit.factor);
+        if (unit.column == column && equalIgnoringCase(unit.name, name))
+            return &unit;
+    }
+    return nullptr;
+}
+
+// Where the factor of a quantity stands. Null for those that have one unit only.
+double* factorOf(int tagDecodeFmt::*column, tagDecodeFmt& format)
+{
+    struct Factor
+    {
+        int tagDecodeFmt::*column;
+        double tagDecodeFmt::*factor;
+    };
+    constexpr Factor factors[] = {
+        {&tagDecodeFmt::depthColumn, &tagDecodeFmt::depthFactor},
+        {&tagDecodeFmt::speedColumn, &tagDecodeFmt::speedFactor},
+        {&tagDecodeFmt::pressureColumn, &tagDecodeFmt::pressureFactor},
+        {&tagDecodeFmt::conductivityColumn, &tagDecodeFmt::conductivityFactor},
+    };
+    for (const Factor& factor : factors) {
+        if (factor.column == column)
+            return &(format.*factor.factor);
     }
     return nullptr;
 }
@@ -65,16 +121,18 @@ KeyValue splitKeyValue(std::string_view line)
     return split;
 }
 
-std::vector<std::string_view> splitTrimmed(std::string_view text, char separator)
+std::vector<std::string_view> splitTrimmed(std::string_view text, char separator,
+                                           std::size_t maxParts)
 {
     std::vector<std::string_view> parts;
-    while (true) {
+    while (parts.size() < maxParts) {
         const std::size_t end = text.find(separator);
         parts.push_back(trimmedText(text.substr(0, end)));
         if (end == text.npos)
-            return parts;
+            break;
         text.remove_prefix(end + 1);
     }
+    return parts;
 }
 
 bool SectionReader::next(std::string_view& line)
@@ -99,27 +157,41 @@ void clearFormat(tagDecodeFmt& format)
     format.separator = separator;
 }
 
-HeaderColumn withUnitApart(HeaderColumn column)
+HeaderColumn withUnitApart(std::string_view name)
 {
-    const std::size_t open = column.name.find_first_of("([");
-    if (open == column.name.npos)
-        return column;
-    const std::size_t close = std::min(column.name.find_first_of(")]", open), column.name.size());
-    if (column.unit.empty())
-        column.unit = trimmedText(column.name.substr(open + 1, close - open - 1));
-    column.name = trimmedText(column.name.substr(0, open));
-    return column;
+    const std::size_t open = name.find_last_of("([");
+    if (open == name.npos || (name.back() != ')' && name.back() != ']'))
+        return {name, {}};
+    return {trimmedText(name.substr(0, open)),
+            trimmedText(name.substr(open + 1, name.size() - open - 2))};
 }
 
-void takeUnit(int tagDecodeFmt::*column, std::string_view unit, tagDecodeFmt& format)
+bool isColumn(const ColumnName& known, HeaderColumn& column)
 {
-    double* const factor = factorOf(column, format);
-    if (factor == nullptr)
-        return;
-    *factor = 1.0;
-    for (const Unit& known : units) {
-        if (known.column == column && equalIgnoringCase(known.name, unit))
-            *factor = known.value;
+    if (equalIgnoringCase(column.name, known.name))
+        return true;
+    const HeaderColumn apart = withUnitApart(column.name);
+    if (!equalIgnoringCase(apart.name, known.name) || unitOf(known.column, apart.unit) == nullptr)
+        return false;
+    if (column.unit.empty())
+        column.unit = apart.unit;
+    return true;
+}
+
+void takeColumn(int tagDecodeFmt::*quantity, int number, std::string_view unit,
+                tagDecodeFmt& format)
+{
+    double* const factor = factorOf(quantity, format);
+    if (format.*quantity >= 0) {
+        std::vector<EarlierColumn>& earlier = format.earlierColumns;
+        const auto isSame = [quantity](const EarlierColumn& c) { return c.quantity == quantity; };
+        earlier.erase(std::remove_if(earlier.begin(), earlier.end(), isSame), earlier.end());
+        earlier.push_back({quantity, format.*quantity, factor != nullptr ? *factor : 1.0});
+    }
+    format.*quantity = number;
+    if (factor != nullptr) {
+        const Unit* const known = unitOf(quantity, unit);
+        *factor = known != nullptr ? known->factor : 1.0;
     }
 }
 

@@ -21,8 +21,14 @@ struct KeyValue
 };
 KeyValue splitKeyValue(std::string_view line);
 
-/// The parts of a text between a separator, without white space around them.
-std::vector<std::string_view> splitTrimmed(std::string_view text, char separator);
+/// The most columns that are looked at: no instrument has as many, and a text of separators alone
+/// would take fifty times its size.
+constexpr std::size_t maxColumns = 10000;
+
+/// The parts of a text between a separator, without white space around them. What stands behind
+/// `maxParts` of them is dropped.
+std::vector<std::string_view> splitTrimmed(std::string_view text, char separator,
+                                           std::size_t maxParts = maxColumns);
 
 /// Walks through the lines of a header that is divided in sections, "[NAME]" on a line of its own,
 /// up to the section that holds the data.
@@ -87,11 +93,19 @@ struct HeaderColumn
     std::string_view unit; ///< where it stands by itself; else empty
 };
 
-/// The column with a unit taken from its name, where it has none of its own.
-HeaderColumn withUnitApart(HeaderColumn column);
+/// What ends in brackets, apart: "Conductivity (S/m)" is the name "Conductivity" with the unit
+/// "S/m". Any other text is a name without a unit.
+HeaderColumn withUnitApart(std::string_view name);
 
-/// Sets the factor of a column's quantity by its unit.
-void takeUnit(int tagDecodeFmt::*column, std::string_view unit, tagDecodeFmt& format);
+/// Whether a column is the known one: its name is that of `known`, or becomes so without a bracket
+/// that holds a unit of this quantity. "Sound Velocity (Calculated)" is another column than "Sound
+/// Velocity". A unit in brackets becomes that of the column, unless it has one.
+bool isColumn(const ColumnName& known, HeaderColumn& column);
+
+/// Makes a column the one of its quantity and sets the factor by its unit. One that had this place
+/// becomes the earlier one, see `EarlierColumn`.
+void takeColumn(int tagDecodeFmt::*quantity, int number, std::string_view unit,
+                tagDecodeFmt& format);
 
 /// Gives the column numbers by the names, the number of each being its place in `columns`, and the
 /// factors of depth, speed, pressure and conductivity by the units. A unit that is not known, or
@@ -101,11 +115,11 @@ void takeColumns(const std::vector<HeaderColumn>& columns, const ColumnName (&kn
                  tagDecodeFmt& format)
 {
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        const HeaderColumn column = withUnitApart(columns[i]);
+        HeaderColumn column = columns[i];
         for (const ColumnName& name : known) {
-            if (name.column != nullptr && equalIgnoringCase(column.name, name.name)) {
-                format.*name.column = int(i);
-                takeUnit(name.column, column.unit, format);
+            if (name.column != nullptr && isColumn(name, column)) {
+                takeColumn(name.column, int(i), column.unit, format);
+                break;
             }
         }
     }

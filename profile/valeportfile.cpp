@@ -63,49 +63,122 @@ QString stampOf(std::string_view text)
     return parseStamp(stamp, moment) ? stamp : QString();
 }
 
-// Both coordinates may stand on the line of the latitude.
+// The coordinate on a line; what follows it may be set apart by a comma or a semicolon.
+QString coordinateOn(std::string_view line, std::string_view key, std::string_view nextKey,
+                     Axis axis)
+{
+    std::string value;
+    if (!getFieldValue(line, key, nextKey, value))
+        return {};
+    if (!value.empty() && (value.back() == ',' || value.back() == ';'))
+        value.pop_back();
+    return degreesText(value, axis);
+}
+
+// Both coordinates may stand on one line.
 void takePosition(std::string_view line, ValeportFile& file)
 {
-    std::string latitude;
-    std::string longitude;
-    if (startsWith(line, "Latitude:") && getFieldValue(line, "Latitude:", "Longitude:", latitude) &&
-        file.latitude.isEmpty())
-        file.latitude = degreesText(latitude, Axis::Latitude);
-    if ((startsWith(line, "Latitude:") || startsWith(line, "Longitude:")) &&
-        getFieldValue(line, "Longitude:", longitude) && file.longitude.isEmpty())
-        file.longitude = degreesText(longitude, Axis::Longitude);
+    constexpr std::string_view latitude = "Latitude:";
+    constexpr std::string_view longitude = "Longitude:";
+    if (!startsWith(line, latitude) && !startsWith(line, longitude))
+        return;
+    if (file.latitude.isEmpty())
+        file.latitude = coordinateOn(line, latitude, longitude, Axis::Latitude);
+    if (file.longitude.isEmpty())
+        file.longitude = coordinateOn(line, longitude, latitude, Axis::Longitude);
 }
 
 void takeHeaderLine(std::string_view line, ValeportFile& file)
 {
     constexpr std::string_view now = "Now:";
     constexpr std::string_view units = "Pressure units:";
-    if (startsWith(line, now) && file.time.isEmpty())
-        file.time = stampOf(line.substr(now.size()));
-    else if (startsWith(line, units))
+    if (startsWith(line, now) && file.time.isEmpty()) {
+        const std::string_view text = trimmedText(line.substr(now.size()));
+        file.time = stampOf(text);
+        file.isTimeUnread = file.time.isEmpty() && (file.isTimeUnread || !text.empty());
+    } else if (startsWith(line, units)) {
         file.pressureUnits = decodedText(trimmedText(line.substr(units.size())));
-    else
+    } else {
         takePosition(line, file);
+    }
 }
 
-bool isRow(std::string_view line, char separator, const tagDecodeFmt& format)
-{
-    const RowReader<2> columns(separator, {format.depthColumn, format.speedColumn});
-    const auto [depth, speed] = columns.read(line);
-    return depth.isKnown() && speed.isKnown();
-}
-
-// The separator of a line that is a row: numbers and nothing else. 0 when it is none.
-char rowSeparator(std::string_view line, const tagDecodeFmt& format)
+bool isNumbersOnly(std::string_view line)
 {
     constexpr std::string_view rowCharacters = "0123456789+-.eE \t;,";
-    if (line.find_first_not_of(rowCharacters) != line.npos)
-        return '\0';
-    for (const char separator : {format.separator, '\t', ';', ',', ' '}) {
-        if (isRow(line, separator, format))
-            return separator;
+    return line.find_first_not_of(rowCharacters) == line.npos;
+}
+
+std::size_t firstLetter(std::string_view line)
+{
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    return std::size_t(std::find_if(line.begin(), line.end(), isLetter) - line.begin());
+}
+
+// "Name: value"
+bool isHeaderLine(std::string_view line)
+{
+    return line.find(':', firstLetter(line)) != line.npos;
+}
+
+// Where the rows begin, as lines count; 0 where there are none.
+struct RowStart
+{
+    qint64 line = 0;
+    qint64 behindSkipped = 0; // the first one that is none of the lines to skip
+};
+
+// Looks for rows with this separator. Headers hold tables of numbers too, so that rows in front of
+// another header line are none, unless they are more than a header has.
+RowStart findRows(std::string_view text, char separator, const tagDecodeFmt& format)
+{
+    constexpr int moreThanHeaders = 20;
+    const RowReader<2> columns(separator, {format.depthColumn, format.speedColumn});
+    const LineSet skipped(format.skipLines);
+    RowStart start;
+    int count = 0;
+    LineReader lines(text);
+    std::string_view line;
+    while (count < moreThanHeaders && lines.next(line)) {
+        if (line.empty())
+            continue;
+        const auto [depth, speed] = columns.read(line);
+        const bool isSkipped = skipped.contains(lines.number());
+        if (depth.isKnown() && speed.isKnown()) {
+            if (!isNumbersOnly(line))
+                continue;
+            if (count++ == 0)
+                start.line = lines.number();
+            if (!isSkipped && start.behindSkipped == 0)
+                start.behindSkipped = lines.number();
+        } else if (!depth.isKnown() &&
+                   (isHeaderLine(line) || (isSkipped && firstLetter(line) < line.size()))) {
+            start = RowStart();
+            count = 0;
+        }
     }
-    return '\0';
+    return start;
+}
+
+// Finds the rows and their separator. One that differs from the usual one must show behind the
+// lines to skip: among them stand calibration tables separated by anything.
+RowStart findRows(std::string_view text, tagDecodeFmt& format)
+{
+    RowStart start = findRows(text, format.separator, format);
+    if (start.line > 0)
+        return start;
+    const char usual = format.separator;
+    for (const char separator : {'\t', ';', ',', ' '}) {
+        if (separator == usual)
+            continue;
+        const RowStart other = findRows(text, separator, format);
+        if (other.behindSkipped > 0 &&
+            (start.line == 0 || other.behindSkipped < start.behindSkipped)) {
+            start = other;
+            format.separator = separator;
+        }
+    }
+    return start;
 }
 
 } // namespace
@@ -116,18 +189,14 @@ ValeportFile readValeport(const QByteArray& raw, const tagDecodeFmt& format)
     const std::string_view bytes(text.constData(), std::size_t(text.size()));
     ValeportFile file;
     tagDecodeFmt rows = format;
+    const RowStart start = findRows(bytes, rows);
     LineReader lines(bytes);
     std::string_view line;
-    qint64 headerLines = 0;
-    while (lines.next(line)) {
-        if (const char separator = rowSeparator(line, format)) {
-            rows.separator = separator;
-            break;
-        }
+    while (lines.number() + 1 != start.line && lines.next(line))
         takeHeaderLine(trimmedText(line), file);
-        headerLines = lines.number();
-    }
-    rows.skipLines = QStringLiteral("1-%1").arg(headerLines);
+    if (start.line == 0)
+        return file;
+    rows.skipLines = QStringLiteral("1-%1").arg(start.line - 1);
     file.record = decodeColumns(bytes, rows, &file.decimals);
     return file;
 }
@@ -141,6 +210,7 @@ OpenedProfile openValeportFile(const QByteArray& content, const tagDecodeFmt& fo
     header.source = baseName(name);
     header.time = file.time;
     header.isTimeNumber = true;
+    header.isTimeUnread = file.isTimeUnread;
     header.latitude = file.latitude;
     header.longitude = file.longitude;
     // The first column goes into the profile as it stands; the surveyor has to know when it is a

@@ -24,8 +24,8 @@ constexpr ColumnName columnNames[] = {
 HeaderColumn columnOf(std::string_view line)
 {
     const KeyValue entry = splitKeyValue(line);
-    const std::vector<std::string_view> words = splitTrimmed(entry.value, ';');
-    return withUnitApart({entry.key, words.size() > 1 ? words[1] : std::string_view()});
+    const std::vector<std::string_view> words = splitTrimmed(entry.value, ';', 2);
+    return {entry.key, words.size() > 1 ? words[1] : std::string_view()};
 }
 
 // "2026/06/18 07:42:10" and what may follow, with any separators.
@@ -63,7 +63,7 @@ void fillUnits(LineReader lines, std::vector<HeaderColumn>& columns)
         return;
     const std::vector<std::string_view> units = splitTrimmed(line, '\t');
     for (std::size_t i = 0; i < std::min(units.size(), columns.size()); ++i) {
-        if (columns[i].unit.empty())
+        if (columns[i].unit.empty() && withUnitApart(columns[i].name).unit.empty())
             columns[i].unit = units[i];
     }
 }
@@ -94,7 +94,7 @@ bool fnDecodeValeportVP2(const QByteArray& text, tagDecodeFmt& format)
     while (lines.next(line)) {
         if (lines.isIn("HEADER"))
             takeValue(splitKeyValue(line), keys);
-        else if (lines.isIn("COLUMNS"))
+        else if (lines.isIn("COLUMNS") && columns.size() < maxColumns)
             columns.push_back(columnOf(line));
     }
     if (lines.dataLine() == 0)
@@ -103,6 +103,7 @@ bool fnDecodeValeportVP2(const QByteArray& text, tagDecodeFmt& format)
     fillUnits(lines.dataLines(), columns);
     takeColumns(columns, columnNames, format);
     format.time = stampOf(time);
+    format.isTimeUnread = !time.empty() && format.time.isEmpty();
     format.latitude = decodedText(latitude);
     format.longitude = decodedText(longitude);
     format.rowCount = std::max(settings::leadingInt(rows), 0);

@@ -1,5 +1,6 @@
 #include "profile/instrumentdecoders.h"
 #include "profile/instrumentfile.h"
+#include "profile/instrumentheader.h"
 #include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
@@ -149,6 +150,21 @@ TEST(AmlDecoder, DatesAreReadByTheirPattern)
         {"2026/06/19", "ISO", "20260619110530"},
         {"2026-6-9", "", "20260609110530"},
         {"2026-19-06", "yyyy-dd-mm", "20260619110530"},
+        {"20260619", "", "20260619110530"},
+        {"20260619", "yyyy-mm-dd", "20260619110530"},
+        {"20260619", "dd/mm/yyyy", "20260619110530"},
+        {"20261906", "yyyyddmm", "20260619110530"},
+        {"20260609", "yyyyddmm", "20260906110530"},
+        {"19062026", "", "20260619110530"},
+        {"06192026", "", "20260619110530"},
+        {"06092026", "ddmmyyyy", "20260906110530"},
+        {"06092026", "mmddyyyy", "20260609110530"},
+        {"06092026", "", ""},
+        {"20261301", "", ""},
+        {"2026061", "", ""},
+        {"202606190", "", ""},
+        {"2026061x", "", ""},
+        {"060926", "ddmmyy", ""},
         {"06/09/2026", "mm/dd/yyyy", "20260609110530"},
         {"06/09/2026", "dd/mm/yyyy", "20260906110530"},
         {"06/09/2026", "DD/MM/YYYY", "20260906110530"},
@@ -172,8 +188,31 @@ TEST(AmlDecoder, DatesAreReadByTheirPattern)
     EXPECT_EQ(withHeader("Time=11:05:30", "Time=11:05:30.75").time,
               QLatin1String("20260619110530"));
     EXPECT_EQ(withHeader("Time=11:05:30", "Time=1:5:3").time, QLatin1String("20260619010503"));
-    for (const char* time : {"Time=11:05", "Time=25:05:30", "Time=", "UpTime=11:05:30"})
+    for (const char* time : {"Time=110530", "Time=110530.75", "Time=110530."})
+        EXPECT_EQ(withHeader("Time=11:05:30", time).time, QLatin1String("20260619110530")) << time;
+    EXPECT_EQ(withHeader("Time=11:05:30", "Time=11:05").time, QLatin1String("20260619110500"));
+    EXPECT_EQ(withHeader("Time=11:05:30", "Time=1:05").time, QLatin1String("20260619010500"));
+    for (const char* time :
+         {"Time=25:05:30", "Time=", "UpTime=11:05:30", "Time=11", "Time=1105", "Time=11:5",
+          "Time=11:05 PM", "Time=011:05", "Time=99999999999:05", "Time=11:60", "Time=24:00",
+          "Time=110560", "Time=1105300", "Time=11053", "Time=110530PM", "Time=11:", "Time=:05"})
         EXPECT_EQ(withHeader("Time=11:05:30", time).time, QString()) << time;
+}
+
+TEST(AmlDecoder, ATimeThatIsNotUnderstoodIsKnownToBeThere)
+{
+    EXPECT_FALSE(decoded(header + metadata + data).isTimeUnread);
+    EXPECT_FALSE(withHeader("Date=2026-06-19\n", "").isTimeUnread);
+    EXPECT_FALSE(withHeader("Date=2026-06-19", "Date=").isTimeUnread);
+    EXPECT_TRUE(withHeader("Date=2026-06-19", "Date=06/09/26").isTimeUnread);
+    EXPECT_TRUE(withHeader("Time=11:05:30", "Time=noon").isTimeUnread);
+    EXPECT_TRUE(withHeader("Time=11:05:30\n", "").isTimeUnread);
+    const QByteArray text = replaced(header, "2026-06-19", "19 June 2026") + metadata + data;
+    EXPECT_EQ(openInstrumentFile(text, QString(), fnDecodeAML_AML, QString())
+                  .reply.value(QLatin1String("hsvp_filecomment"))
+                  .toString(),
+              QLatin1String("AML Example-3 E10002 aml format. "
+                            "The time in the file is not understood: it is the current one."));
 }
 
 TEST(AmlDecoder, KeysAndColumnNamesCompareWhole)
@@ -202,6 +241,60 @@ TEST(AmlDecoder, TheLaterColumnWins)
     EXPECT_EQ(withColumns("Depth,CalcSV,NSV,SV").speedColumn, 3);
 }
 
+TEST(AmlDecoder, TheEarlierColumnStandsInWhereTheLaterHasNoNumber)
+{
+    // Levels of a file with these columns, units and rows: speed, depth, temperature each.
+    const auto levels = [](const char* names, const char* units, const char* rows) {
+        const QByteArray text = header + "[MeasurementMetadata]\nColumns=" + names +
+                                "\nUnits=" + units + "\n[MeasurementData]\n" + rows;
+        const QVector<float> record =
+            decodeInstrumentRows(text.toStdString(), decoded(text)).record;
+        QVector<float> values;
+        for (int i = 0; i < record.size(); i += recordSlots)
+            values << record[i] << record[i + 1] << record[i + 4];
+        return values;
+    };
+    EXPECT_EQ(levels("Depth,CalcSV,SV", "", "1,1500,1501\n2,1502,\n3,1504,x\n4,1506\n5,,1509\n"),
+              (QVector<float>{1501, 1, 0, 1502, 2, 0, 1504, 3, 0, 1506, 4, 0, 1509, 5, 0}));
+    EXPECT_EQ(levels("Depth,SV,CalcSV", "", "1,1500,\n2,1502,1503\n3,,\n"),
+              (QVector<float>{1500, 1, 0, 1503, 2, 0}));
+    EXPECT_EQ(levels("Depth,SV,TempCT,TempSVT", "", "1,1500,8,9\n2,1501,8,\n3,1502,8,1e39\n"),
+              (QVector<float>{1500, 1, 9, 1501, 2, 8, 1502, 3, 8}));
+    // A zero is a number.
+    EXPECT_EQ(levels("Depth,CalcSV,SV", "", "1,1500,0\n"), (QVector<float>{0, 1, 0}));
+    // Each column has its own unit.
+    EXPECT_EQ(levels("Depth,CalcSV,SV", "m,m/s,ft/s", "1,1500,5000\n2,1502,\n"),
+              (QVector<float>{1524, 1, 0, 1502, 2, 0}));
+    EXPECT_EQ(levels("Depth,CalcSV,SV", "m,ft/s,m/s", "1,5000,\n2,1,1502\n"),
+              (QVector<float>{1524, 1, 0, 1502, 2, 0}));
+    EXPECT_EQ(levels("Depth,Depth,SV", "ft,m", "10,,1500\n10,4,1500\n"),
+              (QVector<float>{1500, 3.048F, 0, 1500, 4, 0}));
+    // What the file carries is not computed, though it could be.
+    EXPECT_EQ(levels("Pressure,CalcSV,SV,TempCT,Salinity,Depth,Depth", "", "10,1234.5,,8,35,12,\n"),
+              (QVector<float>{1234.5F, 12, 8}));
+    // Of three the last two count.
+    EXPECT_EQ(levels("Depth,SV,CalcSV,SV", "", "1,1500,1501,1502\n2,1500,1501,\n3,1500,,\n"),
+              (QVector<float>{1502, 1, 0, 1501, 2, 0}));
+}
+
+TEST(AmlDecoder, ColumnsBehindTenThousandDoNotCount)
+{
+    const QByteArray names = "Depth" + QByteArray(9999, ',');
+    EXPECT_EQ(withColumns(names + "SV").speedColumn, 9999);
+    EXPECT_TRUE(isRefused("[MeasurementMetadata]\nColumns=" + names + ",SV\n" + data));
+}
+
+TEST(SplitTrimmed, StopsWhereItIsTold)
+{
+    using Parts = std::vector<std::string_view>;
+    EXPECT_EQ(splitTrimmed(" a ; b;c", ';'), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(splitTrimmed(" a ; b;c", ';', 3), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(splitTrimmed(" a ; b;c", ';', 2), (Parts{"a", "b"}));
+    EXPECT_EQ(splitTrimmed("", ';', 2), Parts{""});
+    EXPECT_EQ(splitTrimmed(std::string(9999, ';'), ';').size(), 10000U);
+    EXPECT_EQ(splitTrimmed(std::string(20000, ';'), ';').size(), 10000U);
+}
+
 TEST(AmlDecoder, UnitsBelongToTheColumnThatIsRead)
 {
     const auto format = [](const char* names, const char* units) {
@@ -217,6 +310,55 @@ TEST(AmlDecoder, UnitsBelongToTheColumnThatIsRead)
     EXPECT_EQ(format("SV,Pressure,CalcSV", "ft/s,dbar,m/s").speedFactor, 1.0);
     EXPECT_EQ(format("SV,Cond(S/m),Pressure[bar]", "").conductivityFactor, 10.0);
     EXPECT_EQ(format("SV,Cond(S/m),Pressure[bar]", "").pressureFactor, 10.0);
+    EXPECT_EQ(format("SV,Cond(S/m),Pressure[bar]", "m/s,mS/cm").conductivityFactor, 1.0);
+}
+
+TEST(AmlDecoder, OnlyAUnitInBracketsIsNoPartOfTheName)
+{
+    struct
+    {
+        const char* names;
+        int speed;
+        int depth;
+    } const cases[] = {
+        {"Depth,SV,SV (raw)", 1, 0},       {"Depth,SV,SV(calculated)", 1, 0},
+        {"Depth,SV,SV ()", 1, 0},          {"Depth,SV,SV (m/s) raw", 1, 0},
+        {"Depth,SV,SV (raw) (m/s)", 1, 0}, {"Depth,SV,SV (m/s", 1, 0},
+        {"Depth,SV,SV (dbar)", 1, 0}, // no unit of a speed
+        {"Depth,SV,CalcSV (m/s)", 2, 0},   {"Depth,SV,SV[M/S]", 2, 0},
+        {"Depth,SV,SV ( ft/s ) ", 2, 0},   {"Depth (2),Depth (m),SV", 2, 1},
+        {"Depth (ft),SV", 1, 0},           {"Depth [metres],SV,Depth (bar)", 1, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(withColumns(c.names).speedColumn, c.speed) << c.names;
+        EXPECT_EQ(withColumns(c.names).depthColumn, c.depth) << c.names;
+    }
+    struct
+    {
+        const char* name;
+        int tagDecodeFmt::*column;
+    } const units[] = {
+        {"Pressure (dbar)", &tagDecodeFmt::pressureColumn},
+        {"Pressure (dBar)", &tagDecodeFmt::pressureColumn},
+        {"Pressure [psi]", &tagDecodeFmt::pressureColumn},
+        {"TempCT (C)", &tagDecodeFmt::temperatureColumn},
+        {"TempCT (deg C)", &tagDecodeFmt::temperatureColumn},
+        {"TempCT (DegC)", &tagDecodeFmt::temperatureColumn},
+        {"TempCT (\xC2\xB0"
+         "C)",
+         &tagDecodeFmt::temperatureColumn},
+        {"TempCT (\xB0"
+         "C)",
+         &tagDecodeFmt::temperatureColumn},
+        {"Salinity (PSU)", &tagDecodeFmt::salinityColumn},
+        {"Cond (mS/cm)", &tagDecodeFmt::conductivityColumn},
+        {"Cond (mS/M)", &tagDecodeFmt::conductivityColumn},
+        {"Cond (S/m)", &tagDecodeFmt::conductivityColumn},
+    };
+    for (const auto& c : units)
+        EXPECT_EQ(withColumns(QByteArray("Depth,SV,") + c.name).*c.column, 2) << c.name;
+    for (const char* name : {"TempCT (F)", "TempCT (K)", "TempCT (2)", "TempCT (raw)"})
+        EXPECT_EQ(withColumns(QByteArray("Depth,SV,") + name).temperatureColumn, -1) << name;
 }
 
 TEST(AmlDecoder, WhatIsNotNamedLeavesNoGap)

@@ -52,6 +52,7 @@ TEST(AsvpHeader, HasTwelveWords)
         {"( SoundVelocity  1.0 0 20261115123456 59.50000000 10.25000000 -1 0 0 x_y P 0003 )", 12},
         {"( a b c d e f g h i j k )", 0},
         {"( a b c d e f g h i j k l m )", 0},
+        {"( a b c d e f g h i j k l m n o p )", 0},
         {"", 0},
         {"(", 0},
         {")", 0},

@@ -84,6 +84,24 @@ TEST(CastHeader, WithoutATimeTheCurrentOneIsTaken)
     }
 }
 
+TEST(CastHeader, ATimeThatIsNotUnderstoodIsToldBehindTheComment)
+{
+    const auto comment = [](const char* time, bool isUnread, const char* text) {
+        QJsonObject reply;
+        CastHeader cast = header(time);
+        cast.isTimeUnread = isUnread;
+        cast.comment = QLatin1String(text);
+        insertCastHeader(reply, cast);
+        return reply.value(QLatin1String("hsvp_filecomment")).toString();
+    };
+    const QString sentence =
+        QStringLiteral("The time in the file is not understood: it is the current one.");
+    EXPECT_EQ(comment("", true, "note"), QLatin1String("note ") + sentence);
+    EXPECT_EQ(comment("", true, ""), sentence);
+    EXPECT_EQ(comment("", false, "note"), QLatin1String("note"));
+    EXPECT_EQ(comment("20260618074210", true, "note"), QLatin1String("note"));
+}
+
 TEST(Stamp, IsFourteenDigitsThatNameAMoment)
 {
     qint64 milliseconds = -1;

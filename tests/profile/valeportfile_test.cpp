@@ -81,6 +81,76 @@ TEST(ValeportFile, NoHeaderLineIsALevel)
     }
 }
 
+TEST(ValeportFile, NumbersInFrontOfAHeaderLineAreNoLevels)
+{
+    // Tables of an instrument's settings, in the lines to skip and behind them, with the separator
+    // of the rows and with others.
+    const QByteArray tail = header.mid(header.indexOf("Site"));
+    const QByteArray head = header.left(header.size() - tail.size());
+    for (const char* table :
+         {"15;0.0;0.0;1.0\n15;0.0;0.0;1.0\n", "1 2 3\n", "1,2,3\n1,2,3\n", "1\t2\t3\n",
+          "15\t0.0\t0.0\n15\t0.0\t0.0\n", "1 2 3\n\n1;2;3\n4\t5\t6\n"}) {
+        EXPECT_EQ(valeport(head + table + tail + rows).record, threeLevels) << table;
+        EXPECT_EQ(valeport(header + table + "Mode: trip\n" + rows).record, threeLevels) << table;
+        EXPECT_EQ(valeport(header + table + "Density :\t1025\n" + rows).record, threeLevels)
+            << table;
+        EXPECT_EQ(valeport(head + table + tail + QByteArray(rows).replace("\t", ";")).record,
+                  threeLevels)
+            << table;
+        // Without rows there are no levels at all.
+        EXPECT_EQ(valeport(head + table + tail).record, QVector<float>()) << table;
+    }
+}
+
+TEST(ValeportFile, AmongTheLinesToSkipOnlyTheDataThemselvesAreLevels)
+{
+    // A line of words ends a header there, without a colon as well.
+    EXPECT_EQ(valeport("Now: x\n1\t2\t3\nnames\tand\tunits\n" + rows).record, threeLevels);
+    EXPECT_EQ(valeport("1 2 3\n\n" + rows).record, threeLevels);
+    // A row with a gap is none of words.
+    const QByteArray gap = "00.100\t---\n\t21.0\t1480.0\n";
+    EXPECT_EQ(valeport(rows + gap).record, threeLevels);
+    EXPECT_EQ(valeport(rows + gap + rows).record, threeLevels + threeLevels);
+    // Another separator has to show behind them: lines 9 and 10.
+    const QByteArray semicolons = QByteArray(rows).replace("\t", ";");
+    const QByteArray eight = header.left(header.indexOf("Pressure"));
+    const QByteArray six = header.left(header.indexOf("Mode"));
+    EXPECT_EQ(valeport(six + semicolons).record, QVector<float>());
+    EXPECT_EQ(valeport(eight + semicolons).record, threeLevels);
+    EXPECT_EQ(valeport(six + "A: 1\n" + semicolons).record, threeLevels);
+}
+
+TEST(ValeportFile, TwentyRowsAreMoreThanAHeaderHolds)
+{
+    const auto levels = [](int count) {
+        QByteArray text = header;
+        for (int i = 0; i < count; ++i)
+            text += QByteArray::number(i) + "\t8.5\t1500.5\n";
+        return valeport(text + "Remark: second cast\n" + rows).record.size() / recordSlots;
+    };
+    EXPECT_EQ(levels(19), 3);
+    EXPECT_EQ(levels(20), 23);
+    EXPECT_EQ(levels(21), 24);
+}
+
+TEST(ValeportFile, AColumnFileOfAnotherKindIsRefused)
+{
+    // Its rows begin with a date, and the numbers of its header are none.
+    QByteArray text = "File :\t7\nModel Name :\tX\nSite :\tY\nSerial No. :\t1\nModules :\t3\n"
+                      "Addresses :\t1;2;3;\nParameters :\t1;2;1;\nCalibrations :\nMode :\tZ\n";
+    text += QByteArray("7;0.0e+00;0.0e+00;1.0e+00\n").repeated(4);
+    text += "Gain :\t1000;0;0\nDate / Time\tSOUND VELOCITY;M/SEC\tPRESSURE;DBAR\n";
+    text += QByteArray("20/06/2026 13:20:45\t1480.5\t1.25\n").repeated(5);
+    EXPECT_EQ(valeport(text).record, QVector<float>());
+}
+
+TEST(ValeportFile, TheUsualSeparatorGoesFirst)
+{
+    // The first row behind the header reads with blanks, the rows with tabs.
+    EXPECT_EQ(valeport(header + "1 2 3\n" + rows).record, threeLevels);
+    EXPECT_EQ(valeport(header + "1;2;3\n" + rows).record, threeLevels);
+}
+
 TEST(ValeportFile, TheSeparatorIsThatOfTheRows)
 {
     for (const char* separator : {"\t", " ", "  ", ";", ",", " , ", "; "}) {
@@ -128,6 +198,14 @@ TEST(ValeportFile, ThePositionStandsOnOneLineOrTwo)
     } const cases[] = {
         {"Latitude: 61.25\nLongitude: -5.5", "61.25", "-5.5"},
         {"Latitude: 61.25 Longitude: -5.5", "61.25", "-5.5"},
+        {"Latitude: 61.25N, Longitude: 5.5W", "61.25", "-5.5"},
+        {"Latitude: 61.25 N ; Longitude: 5.5 W;", "61.25", "-5.5"},
+        {"Latitude: 61.25,Longitude: -5.5", "61.25", "-5.5"},
+        {"Longitude: -5.5, Latitude: 61.25", "61.25", "-5.5"},
+        {"Latitude: 61.25,N, Longitude: 5.5,W", "61.25", "-5.5"},
+        {"Latitude: 61-15-00 N\nLongitude: 5-30-00 W", "61.25", "-5.5"},
+        {"Latitude: 61.25,, Longitude: 5.5", "", "5.5"},
+        {"Latitude: 61,25, Longitude: 5.5", "", "5.5"},
         {"Latitude: 61 15 0 N\tLongitude: 5 30 0 W", "61.25", "-5.5"},
         {"Latitude: -12 30 36 S\nLongitude: 130 30 36 E", "-12.51", "130.51"},
         {"Latitude: 12 30 36 S", "-12.51", ""},
@@ -172,6 +250,24 @@ TEST(ValeportFile, WithoutATimeTheCurrentOneIsATextOfDigits)
     const QString time = reply(rows).value(QLatin1String("hsvp_filetime")).toString();
     EXPECT_EQ(time.size(), 14);
     EXPECT_GE(time, QLatin1String("20260101000000"));
+}
+
+TEST(ValeportFile, ATimeThatIsNotUnderstoodIsTold)
+{
+    const auto comment = [](const char* line, const char* units) {
+        const QByteArray text =
+            QByteArray(header).replace("Now: 20/06/2026 13:20:45", line).replace("units: m", units);
+        return reply(text + rows).value(QLatin1String("hsvp_filecomment")).toString();
+    };
+    const QString sentence =
+        QStringLiteral("The time in the file is not understood: it is the current one.");
+    EXPECT_EQ(comment("Now: 2026-06-20 13:20:45", "units: m"), sentence);
+    EXPECT_EQ(comment("Now: 2026-06-20 13:20:45", "units: dBar"),
+              QLatin1String("Depths are pressures in dBar as in the file. ") + sentence);
+    EXPECT_EQ(comment("Now: never\nNow:", "units: m"), sentence);
+    for (const char* line :
+         {"Now:", "Mode: x", "Now: 20/06/2026 13:20:45", "Now: never\nNow: 20/06/2026 13:20:45"})
+        EXPECT_EQ(comment(line, "units: m"), QString()) << line;
 }
 
 TEST(ValeportFile, PressuresInTheFirstColumnAreTold)

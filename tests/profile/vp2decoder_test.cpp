@@ -245,6 +245,61 @@ TEST(Vp2Decoder, UnitsScaleTheColumns)
               0.001);
 }
 
+TEST(Vp2Decoder, OnlyAUnitInBracketsIsNoPartOfTheName)
+{
+    const auto with = [](const char* entry) {
+        return decoded(header + replaced(columns, "Density=Float;kg/M3;Calculated", entry) + data);
+    };
+    EXPECT_EQ(with("Sound Velocity (Calculated)=Float;Ms-1;Calculated").speedColumn, 3);
+    EXPECT_EQ(with("Temperature (F)=Float;;").temperatureColumn, 4);
+    EXPECT_EQ(with("Pressure (absolute)=Float;dBar;").pressureColumn, 2);
+    EXPECT_EQ(with("Sound Velocity (Ms-1)=Float;;").speedColumn, 6);
+    EXPECT_EQ(with("Sound Velocity [m/s]").speedColumn, 6);
+    EXPECT_EQ(with("Temperature (degC)").temperatureColumn, 6);
+}
+
+TEST(Vp2Decoder, ABracketGoesBeforeTheLineOfUnits)
+{
+    const QByteArray entry =
+        replaced(columns, "Conductivity=Float;mS/cm;", "Conductivity (S/m)=;;");
+    EXPECT_EQ(decoded(header + entry + data).conductivityFactor, 10.0);
+    EXPECT_EQ(decoded(header + replaced(entry, "=;;", "=Float;uS/cm;") + data).conductivityFactor,
+              0.001);
+}
+
+TEST(Vp2Decoder, TheEarlierColumnStandsInWhereTheLaterHasNoNumber)
+{
+    const QByteArray text = "[COLUMNS]\nDepth\nSound Velocity\nSound Velocity\nTemperature\n"
+                            "Salinity\n[DATA]\nnames\nunits\n"
+                            "1\t1500\t1501\t8\t35\n2\t1502\t\t8\t35\n3\t\t\t8\t35\n";
+    const QVector<float> levels = record(text);
+    ASSERT_EQ(levels.size(), 3 * recordSlots);
+    EXPECT_EQ(levels[0], 1501.0F);
+    EXPECT_EQ(levels[recordSlots], 1502.0F);
+    // Chen and Millero at S 35, T 8 and 3 m, where nothing was measured.
+    EXPECT_NEAR(levels[2 * recordSlots], 1482.518, 1e-3);
+}
+
+TEST(Vp2Decoder, ColumnsBehindTenThousandDoNotCount)
+{
+    const auto text = [](int others) {
+        return "[COLUMNS]\nDepth\n" + QByteArray("x\n").repeated(others) +
+               "Sound Velocity\n[DATA]\n";
+    };
+    EXPECT_EQ(decoded(text(9998)).speedColumn, 9999);
+    EXPECT_TRUE(isRefused(text(9999)));
+}
+
+TEST(Vp2Decoder, ATimeThatIsNotUnderstoodIsKnownToBeThere)
+{
+    EXPECT_FALSE(decoded(header + columns + data).isTimeUnread);
+    EXPECT_FALSE(decoded(columns + data).isTimeUnread);
+    EXPECT_FALSE(
+        decoded(replaced(header, "2026/06/18 07:42:10", "") + columns + data).isTimeUnread);
+    EXPECT_TRUE(
+        decoded(replaced(header, "2026/06/18", "18/06/2026") + columns + data).isTimeUnread);
+}
+
 TEST(Vp2Decoder, RefusesWhatItCannotRead)
 {
     const QByteArray dataOnly = data;
