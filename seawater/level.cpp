@@ -16,8 +16,8 @@ bool completeLevel(Level& level, double latitude)
     else if (std::isnan(pressure))
         pressure = pressureFromDepth(level.depth, latitude);
     // Not a number goes through the formulas, so that what cannot be computed stays unknown.
-    // A conductivity of 0 or less is a cell in air or one that failed, and no fresh water: the speed
-    // of its salinity, 0, would be smooth but wrong.
+    // A conductivity of 0 or less is a cell in air or one that failed, and no fresh water: the
+    // speed of its salinity, 0, would be smooth but wrong.
     const bool isDry = std::isnan(level.salinity) && level.conductivity <= 0.0;
     if (std::isnan(level.salinity) && !std::isnan(level.conductivity))
         level.salinity = practicalSalinity(level.conductivity, level.temperature, pressure);
