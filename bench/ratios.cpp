@@ -22,6 +22,29 @@ double ShortestTimes::operator[](const std::string& name) const
     return found == m_times.end() ? 0.0 : found->second;
 }
 
+namespace {
+
+// 0 where one of the two was not measured.
+double valueOf(const Ratio& ratio, const ShortestTimes& times)
+{
+    const double baseline = times[ratio.baseline];
+    return baseline > 0.0 ? times[ratio.measured] * ratio.perUnit / baseline : 0.0;
+}
+
+bool holds(const Ratio& ratio, double value)
+{
+    return value > 0.0 && value <= ratio.highest;
+}
+
+bool allHold(const std::vector<Ratio>& ratios, const ShortestTimes& times)
+{
+    return std::all_of(ratios.begin(), ratios.end(), [&times](const Ratio& ratio) {
+        return holds(ratio, valueOf(ratio, times));
+    });
+}
+
+} // namespace
+
 int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios)
 {
     std::vector<char*> arguments(argv, argv + argc);
@@ -32,17 +55,17 @@ int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios)
     benchmark::Initialize(&count, arguments.data());
     ShortestTimes times;
     benchmark::RunSpecifiedBenchmarks(&times);
+    // A busy machine can only lengthen a time, so a ratio that does not hold is measured again:
+    // the shortest times of all rounds count.
+    constexpr int furtherRounds = 2;
+    for (int round = 0; round < furtherRounds && !allHold(ratios, times); ++round)
+        benchmark::RunSpecifiedBenchmarks(&times);
 
-    bool isGood = true;
     std::printf("\n%-58s %8s %8s\n", "ratio", "measured", "allowed");
     for (const Ratio& ratio : ratios) {
-        const double baseline = times[ratio.baseline];
-        const double measured = times[ratio.measured] * ratio.perUnit;
-        const double value = baseline > 0.0 ? measured / baseline : 0.0;
-        const bool holds = value > 0.0 && value <= ratio.highest;
-        isGood = isGood && holds;
+        const double value = valueOf(ratio, times);
         std::printf("%-58s %8.2f %8.2f%s\n", ratio.what.c_str(), value, ratio.highest,
-                    holds ? "" : "  TOO HIGH OR NOT MEASURED");
+                    holds(ratio, value) ? "" : "  TOO HIGH OR NOT MEASURED");
     }
-    return isGood ? 0 : 1;
+    return allHold(ratios, times) ? 0 : 1;
 }

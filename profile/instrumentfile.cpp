@@ -127,11 +127,15 @@ class InstrumentRows
         : m_measured(format.separator, measuredColumnsOf(format)),
           m_all(format.separator, columnsOf(format)),
           m_earlier(format.separator, earlierColumnsOf(format)),
-          m_hasEarlier(!format.earlierColumns.empty()),
           m_needsSalinity(format.conductivityColumn >= 0),
           m_needsAll(format.depthColumn < 0 || format.speedColumn < 0 ||
                      (format.salinityColumn < 0 && m_needsSalinity))
     {
+        const Columns earlier = earlierColumnsOf(format);
+        for (std::size_t place = 0; place < earlier.numbers.size(); ++place) {
+            if (earlier.numbers[place] >= 0)
+                m_doubled.push_back(place);
+        }
     }
 
     Row read(std::string_view line) const
@@ -147,13 +151,11 @@ class InstrumentRows
   private:
     Row completed(Row row, std::string_view line) const
     {
-        if (!m_hasEarlier)
-            return row;
-        const auto isKnown = [](const ColumnNumber& number) { return number.isKnown(); };
-        if (std::all_of(row.begin(), row.begin() + Pressure, isKnown))
+        if (std::all_of(m_doubled.begin(), m_doubled.end(),
+                        [&row](std::size_t place) { return row[place].isKnown(); }))
             return row;
         const Row earlier = m_earlier.read(line);
-        for (std::size_t place = 0; place < row.size(); ++place) {
+        for (const std::size_t place : m_doubled) {
             if (!row[place].isKnown())
                 row[place] = earlier[place];
         }
@@ -163,8 +165,8 @@ class InstrumentRows
     ScaledRows m_measured;
     ScaledRows m_all;
     ScaledRows m_earlier;
-    bool m_hasEarlier;
-    bool m_needsSalinity; // there is something to compute it from
+    std::vector<std::size_t> m_doubled; // places of quantities with an earlier column
+    bool m_needsSalinity;               // there is something to compute it from
     bool m_needsAll;
 };
 
@@ -175,7 +177,7 @@ InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt&
     constexpr int decimalsPerMegapascal = 2; // that dbar do not show
     const InstrumentRows rows(format);
     const LineSet skipped(format.skipLines);
-    const double latitude = latitudeOf(format);
+    const seawater::AtLatitude place(latitudeOf(format));
     const bool isPressureFirst = format.depthColumn < 0;
     InstrumentRecord result;
     result.hasWater = fnDetermineSSPType(format) > 0;
@@ -196,7 +198,7 @@ InstrumentRecord decodeInstrumentRows(std::string_view text, const tagDecodeFmt&
         level.conductivity = row[Conductivity].value;
         const bool isWhole = !std::isnan(level.depth) && !std::isnan(level.speed) &&
                              (!std::isnan(level.salinity) || std::isnan(level.conductivity));
-        if (!isWhole && !seawater::completeLevel(level, latitude))
+        if (!isWhole && !seawater::completeLevel(level, place))
             continue;
         if (!fitsFloat(level.depth) || !fitsFloat(level.speed))
             continue;

@@ -1,6 +1,5 @@
 #include "seawater/level.h"
 
-#include "seawater/pressure.h"
 #include "seawater/salinity.h"
 #include "seawater/soundspeed.h"
 
@@ -10,11 +9,16 @@ namespace seawater {
 
 bool completeLevel(Level& level, double latitude)
 {
+    return completeLevel(level, AtLatitude(latitude));
+}
+
+bool completeLevel(Level& level, const AtLatitude& place)
+{
     double pressure = level.pressure;
     if (std::isnan(level.depth))
-        level.depth = depthFromPressure(pressure, latitude);
+        level.depth = place.depthFromPressure(pressure);
     else if (std::isnan(pressure))
-        pressure = pressureFromDepth(level.depth, latitude);
+        pressure = place.pressureFromDepth(level.depth);
     // Not a number goes through the formulas, so that what cannot be computed stays unknown.
     // A conductivity of 0 or less is a cell in air or one that failed, and no fresh water: the
     // speed of its salinity, 0, would be smooth but wrong.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "seawater/pressure.h"
+
 #include <limits>
 
 namespace seawater {
@@ -24,8 +26,9 @@ struct Level
 /// known stays as it is, and so does `pressure`. A conductivity of 0 or less makes a salinity
 /// of 0, but no sound speed.
 ///
-/// `latitude` is in decimal degrees, 0 where it is not known. Returns whether depth and sound speed
-/// are finite numbers then.
+/// The latitude is in decimal degrees, 0 where it is not known. Returns whether depth and sound
+/// speed are finite numbers then.
 bool completeLevel(Level& level, double latitude);
+bool completeLevel(Level& level, const AtLatitude& place);
 
 } // namespace seawater

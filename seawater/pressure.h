@@ -18,4 +18,17 @@ double depthFromPressure(double pressure, double latitude);
 /// Pressure (dbar) at a depth in m: the inverse of `depthFromPressure`, exact but for rounding.
 double pressureFromDepth(double depth, double latitude);
 
+/// Both at one latitude: what depends on it is worked out once, for casts of many levels.
+class AtLatitude
+{
+  public:
+    explicit AtLatitude(double latitude);
+
+    double depthFromPressure(double pressure) const;
+    double pressureFromDepth(double depth) const;
+
+  private:
+    double m_growth; // of pressure with depth at the surface, dbar per m
+};
+
 } // namespace seawater

@@ -26,8 +26,10 @@ double practicalSalinityFromRatio(double ratio, double temperature, double press
     const double risen = ((3.989e-15 * p - 6.370e-10) * p + 2.070e-5) * p;
     const double a = -3.107e-3 * t + 4.215e-1;
     const double b = (4.464e-4 * t + 3.426e-2) * t + 1.0;
-    const double ofPressure = 1.0 + risen / (b + a * ratio);
-    const double x = std::sqrt(std::abs(ratio / (ratioOfTemperature(t) * ofPressure)));
+    // The ratio over that of the temperature and that of the pressure, 1 + risen / (b + a·ratio),
+    // as one fraction.
+    const double below = b + a * ratio;
+    const double x = std::sqrt(std::abs(ratio * below / (ratioOfTemperature(t) * (below + risen))));
     const double from15 = t - 15.0;
     const double atFifteen =
         ((((2.7081 * x - 7.0261) * x + 14.0941) * x + 25.3851) * x - 0.1692) * x + 0.0080;
