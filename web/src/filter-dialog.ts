@@ -298,6 +298,14 @@ export class FilterDialog {
     this.dialog.setAttribute("aria-busy", String(busy));
     this.saveButton.disabled = busy;
     this.deleteButton.disabled = busy;
+    this.restSide();
+  }
+
+  /// While a job is at the table, a press in the list beside it would be lost; so it cannot be made.
+  private restSide(): void {
+    for (const each of this.dialog.querySelectorAll<HTMLButtonElement>(".filter-side button")) {
+      each.disabled = this.busy;
+    }
   }
 
   private async reload(): Promise<void> {
@@ -337,6 +345,7 @@ export class FilterDialog {
             button("", "Save all again", () => void this.restore()),
           ]),
     );
+    this.restSide();
   }
 
   private offerFile({ postfix }: Filter): void {
