@@ -1,7 +1,9 @@
 #include "bench/ratios.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 void ShortestTimes::ReportRuns(const std::vector<Run>& runs)
 {
@@ -56,10 +58,13 @@ int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios)
     ShortestTimes times;
     benchmark::RunSpecifiedBenchmarks(&times);
     // A busy machine can only lengthen a time, so a ratio that does not hold is measured again:
-    // the shortest times of all rounds count.
-    constexpr int furtherRounds = 2;
-    for (int round = 0; round < furtherRounds && !allHold(ratios, times); ++round)
+    // the shortest times of all rounds count. The pause lets what disturbs come to its end.
+    constexpr int furtherRounds = 6;
+    constexpr std::chrono::seconds pause(2);
+    for (int round = 0; round < furtherRounds && !allHold(ratios, times); ++round) {
+        std::this_thread::sleep_for(pause);
         benchmark::RunSpecifiedBenchmarks(&times);
+    }
 
     std::printf("\n%-58s %8s %8s\n", "ratio", "measured", "allowed");
     for (const Ratio& ratio : ratios) {
