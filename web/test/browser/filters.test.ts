@@ -28,9 +28,11 @@ const row = (name: string, rest = "0,1,-1,-1,-1,-1,1.000,1.000,comma,undef") => 
 async function openFilters(page: Page): Promise<void> {
   await page.getByRole("button", { name: "Import filters…", exact: true }).last().click();
   await dialogOf(page).waitFor();
+  await page.locator("dialog.filters[aria-busy=false]").waitFor();
 }
 
 async function listed(page: Page): Promise<string[]> {
+  await page.locator("dialog.filters[aria-busy=false]").waitFor();
   return dialogOf(page).getByRole("list", { name: "Filters" }).locator(".cast-name").allTextContents();
 }
 
