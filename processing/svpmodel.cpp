@@ -1,6 +1,7 @@
 #include "processing/svpmodel.h"
 
 #include "processing/check.h"
+#include "processing/thin.h"
 
 namespace processing {
 
@@ -8,6 +9,21 @@ int CSVPModel::markValidSamples()
 {
     marks = validSampleMarks(samples);
     return samples.empty() ? -1 : 0;
+}
+
+void CSVPModel::genExtensionData(const QString& path)
+{
+    extension = processing::genExtensionData(path, samples);
+}
+
+int CSVPModel::extend()
+{
+    return processing::extend(samples, extension);
+}
+
+void CSVPModel::thinProfile(double tolerance)
+{
+    kept = thinnedSamples(samples, tolerance);
 }
 
 void CSVPModel::blank()

@@ -3,6 +3,7 @@
 #include "processing/extensionrows.h"
 #include "raytrace/layers.h"
 
+#include <QString>
 #include <QVector>
 
 #include <cstdint>
@@ -20,10 +21,20 @@ class CSVPModel
     ExtensionRows extension;         ///< rows to be joined below the samples
     QVector<float> workDepths;       ///< m
     QVector<float> workSpeeds;       ///< m/s
+    std::vector<std::int32_t> kept;  ///< indices of the samples that thinning left
 
     /// Marks each sample of `samples` as valid or invalid in `marks`, by the rules of
     /// `validSampleMarks`. Returns -1, leaving no marks, when there are no samples, else 0.
     int markValidSamples();
+
+    /// Fills `extension` from the file `path`, see `processing::genExtensionData`.
+    void genExtensionData(const QString& path);
+
+    /// Joins `extension` below the samples, see `processing::extend`. Always 1.
+    int extend();
+
+    /// Thins the samples to `kept`, see `thinnedSamples`; empty when nothing was thinned.
+    void thinProfile(double tolerance);
 
     /// Empties all of it and gives the memory back.
     void blank();
