@@ -197,6 +197,7 @@ void CSVP_WebInterface::dispatch(const QString& data)
                          .failure(QStringLiteral("Internal error: ") +
                                   QString::fromLocal8Bit(error.what())));
             }
+            blankSVP();
             return handleAlert(pendingAlert);
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "datagram/conversion.h"
+#include "datagram/thinrequest.h"
 #include "plugin/webinterface.h"
 #include "processing/svpmodel.h"
 #include "profile/decimalcounts.h"
@@ -152,6 +153,9 @@ class CSVP_WebInterface : public WebInterface
     void refuseSave(const QString& reason);
     void answerSaved(const QString& path);
     bool readFilters(QStringList& rows, FilterFaults faults);
+    void answerExtended(QLatin1String whoami);
+    QString writeProfile(const datagram::ThinRequest& request, const profile::ValueLists& lists,
+                         const QString& ending, QString& path);
     void answerPairList(QLatin1String whoami, const QString& body, const QString& done);
 
     void handleOpenRequest(const QString& body);

@@ -118,8 +118,8 @@ void CSVP_WebInterface::handleCheckProfile(const QString& body)
     const processing::CheckResult result = processing::checkSamples(raytrace::makeLayers(
         lists.depth.constData(), lists.speed.constData(), std::size_t(lists.depth.size())));
     answer(Reply(action::check)
-               .with(reply::invalidSpeeds, numberArray(result.invalidSpeeds))
-               .with(reply::invalidDepths, numberArray(result.invalidDepths))
+               .with(reply::speeds, numberArray(result.invalidSpeeds))
+               .with(reply::depths, numberArray(result.invalidDepths))
                .with(reply::toFix, result.verdict)
                .success());
 }

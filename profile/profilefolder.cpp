@@ -87,6 +87,14 @@ ProfileFolder savedProfileFolder()
     return folderOr(configuredFolder(), QStringLiteral("C:/qrvdata/svp_abscoeff"));
 }
 
+ProfileFolder dataProfileFolder()
+{
+    const QString root = platform::dataRoot();
+    return {root.isEmpty() ? QString()
+                           : platform::nativePath(root + QStringLiteral("qrvdata\\svp_abscoeff")),
+            true};
+}
+
 QString configurationPath()
 {
     const QString root = platform::dataRoot();

@@ -39,6 +39,10 @@ ProfileFolder openedProfileFolder();
 /// and no warning.
 ProfileFolder savedProfileFolder();
 
+/// Folder of the data root that holds what the engine derives: "qrvdata/svp_abscoeff", whatever the
+/// configuration names. No folder without a data root.
+ProfileFolder dataProfileFolder();
+
 /// Path of "runcf/AbsCoeff.ini"; empty without a data root.
 QString configurationPath();
 

@@ -49,13 +49,14 @@ constexpr QLatin1String failure = word("FAILURE");
 constexpr QLatin1String reason = word("reason");
 constexpr QLatin1String alert = word("alert");
 constexpr QLatin1String fileName = word("filename");
-constexpr QLatin1String invalidSpeeds = word("svpX");
-constexpr QLatin1String invalidDepths = word("svpY");
+constexpr QLatin1String speeds = word("svpX");
+constexpr QLatin1String depths = word("svpY");
 constexpr QLatin1String file = word("file");
 constexpr QLatin1String svpType = word("svptype");
 constexpr QLatin1String fullName = word("fullname");
 constexpr QLatin1String toFix = word("tofix");
 constexpr QLatin1String filters = word("filters");
+constexpr QLatin1String extensionFile = word("extentionfile");
 } // namespace reply
 
 /// Keys of the seven arrays of a profile, in the order of a sample record's slots.

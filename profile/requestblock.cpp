@@ -74,6 +74,37 @@ ValueLists parseValueLists(const QStringRef& piece, Lists wanted, Qt::SplitBehav
     return lists;
 }
 
+ValueLists valuesAt(const ValueLists& lists, const std::vector<std::int32_t>& kept)
+{
+    const auto picked = [&kept](const QVector<float>& values) {
+        QVector<float> some;
+        some.reserve(int(kept.size()));
+        for (const std::int32_t place : kept) {
+            if (place >= 0 && place < values.size())
+                some.append(values[place]);
+        }
+        return some;
+    };
+    ValueLists result;
+    result.speed = picked(lists.speed);
+    result.depth = picked(lists.depth);
+    for (const auto list : furtherLists)
+        result.*list = picked(lists.*list);
+    return result;
+}
+
+void dropListsWithoutText(const QStringRef& piece, ValueLists& lists)
+{
+    constexpr int firstFurther = 2;
+    const QVector<QStringRef> parts = piece.trimmed().split(QLatin1Char(';'), Qt::KeepEmptyParts);
+    int place = firstFurther;
+    for (const auto list : furtherLists) {
+        if (place >= parts.size() || parts[place].trimmed().isEmpty())
+            (lists.*list).clear();
+        ++place;
+    }
+}
+
 ProfileForm parseProfileForm(const QVector<QStringRef>& pieces, int first)
 {
     const PieceTexts piece(pieces, first);

@@ -4,6 +4,9 @@
 #include <QStringRef>
 #include <QVector>
 
+#include <cstdint>
+#include <vector>
+
 /// The profile as a front end sends it: text in, named values out. Places of pieces are known
 /// here and nowhere else.
 ///
@@ -46,6 +49,16 @@ struct ValueLists
     QVector<float> absorption;  ///< as the source gives it
 };
 
+/// The lists beyond sound speed and depth.
+constexpr QVector<float> ValueLists::*furtherLists[] = {
+    &ValueLists::probeDepth, &ValueLists::probeSpeed, &ValueLists::temperature,
+    &ValueLists::salinity,   &ValueLists::absorption,
+};
+
+/// The values at the places `kept` of each list, in that order. A list that ends before one of
+/// them has fewer values than `kept` afterwards.
+ValueLists valuesAt(const ValueLists& lists, const std::vector<std::int32_t>& kept);
+
 /// How many of the lists are read: speeds and depths alone, or all seven.
 enum class Lists
 {
@@ -56,6 +69,10 @@ enum class Lists
 /// The lists of a profile piece: trimmed, split at ";".
 ValueLists parseValueLists(const QStringRef& piece, Lists wanted = Lists::All,
                            Qt::SplitBehavior empties = Qt::KeepEmptyParts);
+
+/// Empties each further list that has no text in the profile piece `piece`, where `parseValueLists`
+/// reads one empty item.
+void dropListsWithoutText(const QStringRef& piece, ValueLists& lists);
 
 /// The profile form of the page, as Check, Save, Thin and Fix take it. Texts as they stand in the
 /// request.

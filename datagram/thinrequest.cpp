@@ -1,0 +1,96 @@
+#include "datagram/thinrequest.h"
+
+#include "datagram/contentidentifier.h"
+#include "datagram/saverequest.h"
+#include "processing/check.h"
+#include "profile/protocol.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace datagram {
+
+namespace {
+
+constexpr int leastSamples = 3;
+constexpr int leastAsvpSpeeds = 6;
+constexpr float surface = 0.0F;       // m
+constexpr float fullDepth = 12000.0F; // m
+
+} // namespace
+
+ThinRequest parseThinRequest(const QVector<QStringRef>& pieces)
+{
+    ThinRequest request;
+    request.form = profile::parseProfileForm(pieces);
+    request.lists = profile::parseValueLists(request.form.valueLists);
+    request.isAsvp = request.form.kind.contains(protocol::soundVelocity);
+    if (request.isAsvp)
+        profile::dropListsWithoutText(request.form.valueLists, request.lists);
+    return request;
+}
+
+QString kindRefusal(const ThinRequest& request)
+{
+    if (request.isAsvp || legalIdentifier(request.form.kind).isLegal)
+        return {};
+    bool isNumber = false;
+    const int number = request.form.kind.toInt(&isNumber);
+    return QStringLiteral("Unsupported SSP type S%1")
+        .arg(isNumber ? QString::number(number) : request.form.kind);
+}
+
+QString thinRefusal(const ThinRequest& request)
+{
+    const QVector<float>& depths = request.lists.depth;
+    const QVector<float>& speeds = request.lists.speed;
+    if ((request.isAsvp && speeds.size() < leastAsvpSpeeds) || speeds.size() != depths.size() ||
+        depths.size() < leastSamples)
+        return QStringLiteral("Wrong svp input.");
+    if (!processing::profileReport(depths, speeds, false).passes())
+        return QStringLiteral("Depths not sorted.");
+    if (request.isAsvp && (depths.constFirst() != surface || depths.constLast() != fullDepth))
+        return QStringLiteral("Profile not extended.");
+    return {};
+}
+
+bool haveEqualLengths(const profile::ValueLists& lists, bool isAsvp)
+{
+    const int count = lists.depth.size();
+    return lists.speed.size() == count &&
+           std::all_of(std::begin(profile::furtherLists), std::end(profile::furtherLists),
+                       [&](const auto list) {
+                           const int size = (lists.*list).size();
+                           return size == count || (isAsvp && size == 0);
+                       });
+}
+
+DatagramParts datagramPartsOf(const profile::ProfileForm& form, const profile::ValueLists& lists)
+{
+    DatagramParts parts;
+    parts.identifier = QStringLiteral("%1").arg(form.kind.toInt(), 2, 10, QLatin1Char('0'));
+    parts.samples = QString::number(lists.depth.size());
+    parts.time = form.time;
+    parts.latitude = form.latitude;
+    parts.longitude = form.longitude;
+    parts.comment = form.comment;
+    parts.columns = columnsOf(lists);
+    return parts;
+}
+
+profile::AsvpHeader asvpHeaderOf(const profile::ProfileForm& form)
+{
+    return {form.kind,     form.version,   form.identifier, form.time,
+            form.latitude, form.longitude, form.radius,     form.validFrom,
+            form.validTo,  form.source,    form.history};
+}
+
+QString derivedName(const QString& name, const QString& ending)
+{
+    const int start =
+        std::max(name.lastIndexOf(QLatin1Char('/')), name.lastIndexOf(QLatin1Char('\\'))) + 1;
+    const int point = name.lastIndexOf(QLatin1Char('.'));
+    return (point < start ? name : name.left(point)) + ending;
+}
+
+} // namespace datagram
