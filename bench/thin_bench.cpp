@@ -63,7 +63,8 @@ int main(int argc, char** argv)
         {"thin: time per sample, 100 000 against 1 000", "thin/100000", "thin/1000", 0.01, 1.5},
         {"thin: time per sample, 1 000 000 against 1 000", "thin/1000000", "thin/1000", 0.001, 1.5},
     };
-    for (const std::string count : {"1000", "10000", "100000", "1000000"}) {
+    const std::vector<std::string> counts = {"1000", "10000", "100000", "1000000"};
+    for (const std::string& count : counts) {
         ratios.push_back({"thin against the distances to one line, " + count, "thin/" + count,
                           "distances/" + count, 1.0, 4.0});
         ratios.push_back({"thin, nothing dropped, against the same, " + count, "thinRough/" + count,

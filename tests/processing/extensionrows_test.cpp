@@ -35,7 +35,7 @@ class ExtensionFile
   public:
     QString holding(const QByteArray& text) const
     {
-        const QString path = m_folder.filePath(QStringLiteral("rows.txt"));
+        QString path = m_folder.filePath(QStringLiteral("rows.txt"));
         writeBytes(path, text);
         return path;
     }
