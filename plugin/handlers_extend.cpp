@@ -17,6 +17,8 @@ using processing::SurfaceRule;
 namespace {
 
 constexpr int leastSamplesForDefault = 3;
+constexpr int leastSamplesForTempSal = 4;
+constexpr int leastExtendedSamples = 3;
 
 QString invalidSvp()
 {
@@ -56,6 +58,35 @@ void CSVP_WebInterface::handleExtendDefault(const QString& body)
     if (model.extend() == 0)
         return refuse(errorExtending());
     answerExtended(action::extendDefault);
+}
+
+void CSVP_WebInterface::handleExtendTempSal(const QString& body)
+{
+    const auto refuse = [this](const QString& reason) {
+        blankSVP();
+        send(Reply(action::extendTempSal).failure(reason));
+    };
+    blankSVP();
+    const processing::ExtendRequest request = processing::parseExtendTempSal(body);
+    // Front ends tell this case by its reason, not by its result.
+    if (!request.hasForm)
+        return send(Reply(action::extendTempSal)
+                        .with(reply::reason, QStringLiteral("Invalid input parameters."))
+                        .success());
+    const processing::RequestSamples& lists = request.samples;
+    if (lists.speeds.size() < leastSamplesForTempSal || lists.depths.size() < lists.speeds.size())
+        return refuse(invalidSvp());
+    const QString unsorted =
+        processing::takeSamples(lists, SurfaceRule::BelowSurface, model.samples);
+    if (!unsorted.isEmpty())
+        return refuse(unsorted);
+    if (!processing::isWaterMass(request))
+        return refuse(invalidSvp());
+    model.extendIFREMER(double(request.temperature), double(request.salinity),
+                        double(request.latitude));
+    if (model.samples.size() < leastExtendedSamples)
+        return refuse(QStringLiteral("Failed to extend svp."));
+    answerExtended(action::extendTempSal);
 }
 
 void CSVP_WebInterface::handleExtendWithFile(const QString& body)

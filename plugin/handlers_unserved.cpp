@@ -23,12 +23,6 @@ void CSVP_WebInterface::handleFixProfile(const QString& body)
     send(unserved(action::fix, "Fixing a profile"));
 }
 
-void CSVP_WebInterface::handleExtendTempSal(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::extendTempSal, "Extending a profile by temperature and salinity"));
-}
-
 void CSVP_WebInterface::handleShowRaypath(const QString& body)
 {
     Q_UNUSED(body)

@@ -2,6 +2,7 @@
 
 #include "processing/check.h"
 #include "processing/thin.h"
+#include "processing/watermass.h"
 
 namespace processing {
 
@@ -19,6 +20,12 @@ void CSVPModel::genExtensionData(const QString& path)
 int CSVPModel::extend()
 {
     return processing::extend(samples, extension);
+}
+
+void CSVPModel::extendIFREMER(double temperature, double salinity, double latitude)
+{
+    if (!processing::extendIFREMER(samples, extension, temperature, salinity, latitude))
+        blank();
 }
 
 void CSVPModel::thinProfile(double tolerance)

@@ -33,6 +33,11 @@ class CSVPModel
     /// Joins `extension` below the samples, see `processing::extend`. Always 1.
     int extend();
 
+    /// Joins rows below the samples that are computed for a water mass near the given one (degrees
+    /// Celsius, practical salinity, decimal degrees), see `processing::extendIFREMER`. Where none
+    /// fits, all is blank afterwards.
+    void extendIFREMER(double temperature, double salinity, double latitude);
+
     /// Thins the samples to `kept`, see `thinnedSamples`; empty when nothing was thinned.
     void thinProfile(double tolerance);
 

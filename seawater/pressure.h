@@ -18,6 +18,12 @@ double depthFromPressure(double pressure, double latitude);
 /// Pressure (dbar) at a depth in m: the inverse of `depthFromPressure`, exact but for rounding.
 double pressureFromDepth(double depth, double latitude);
 
+/// The same by another name, with the latitude first, as the atlas profiles call it.
+inline double depthToPressure(double latitude, double depth)
+{
+    return pressureFromDepth(depth, latitude);
+}
+
 /// Both at one latitude: what depends on it is worked out once, for casts of many levels.
 class AtLatitude
 {

@@ -33,4 +33,14 @@ double chenMilleroSoundSpeed(double salinity, double temperature, double pressur
     return pureWater + (a + b * std::sqrt(std::abs(s)) + d * s) * s;
 }
 
+double unescoSoundSpeed(double salinity, double temperature, double pressureDbar)
+{
+    const double t = temperature;
+    const double p = pressureDbar / 10.0; // bar
+    const double k1 = (1.4e-5 * t - 2.19e-4) * t + 0.0029;
+    const double k2 = (-2.59e-8 * t + 3.47e-7) * t - 4.76e-6;
+    const double correction = ((2.68e-9 * p + k2) * p + k1) * p;
+    return chenMilleroSoundSpeed(salinity, temperature, pressureDbar) - correction;
+}
+
 } // namespace seawater

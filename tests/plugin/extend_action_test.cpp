@@ -126,6 +126,113 @@ TEST(ExtendDefaultAction, Refusals)
     }
 }
 
+namespace {
+
+const QString tempSal = QStringLiteral("ExtendTempSal");
+// Close to what the formula gives at 10 degrees and 35 psu.
+const QString fourSamples = QStringLiteral("1490,1490.5,1491,1491.5*0,50,75,100");
+
+QString waterMass(const char* pieces)
+{
+    return QLatin1Char('[') + fourSamples + QLatin1Char('*') + QLatin1String(pieces) +
+           QLatin1Char(']');
+}
+
+} // namespace
+
+TEST(ExtendTempSalAction, ContinuesTheProfileToFullDepth)
+{
+    Engine engine;
+    const QJsonObject reply = engine.request(tempSal, waterMass("10*35*45"));
+    const QVector<float> depths = depthsOf(reply);
+    const QVector<float> speeds = speedsOf(reply);
+    ASSERT_EQ(depths.size(), 204);
+    ASSERT_EQ(speeds.size(), 204);
+    EXPECT_EQ(depths.mid(0, 4), (QVector<float>{0, 50, 75, 100}));
+    EXPECT_EQ(speeds.mid(0, 4), (QVector<float>{1490, 1490.5F, 1491, 1491.5F}));
+    EXPECT_EQ(depths.at(103), 2000.0F);
+    EXPECT_EQ(depths.at(104), 2100.0F);
+    EXPECT_EQ(depths.constLast(), 12000.0F);
+    for (int i = 1; i < depths.size(); ++i) {
+        EXPECT_GT(depths.at(i), depths.at(i - 1));
+        EXPECT_GT(speeds.at(i), 1400.0F);
+        EXPECT_LT(speeds.at(i), 1700.0F);
+    }
+    // It goes on where the measurement ends.
+    EXPECT_NEAR(speeds.at(4), speeds.at(3), 1.1);
+    EXPECT_EQ(reply.value(QLatin1String("whoami")).toString(), tempSal);
+    EXPECT_EQ(reply.value(QLatin1String("result")).toString(), QLatin1String("SUCCESS"));
+    EXPECT_EQ(reply.size(), 4);
+}
+
+TEST(ExtendTempSalAction, OnlyAProfileThatStartsBelowTheSurfaceGetsASampleThere)
+{
+    Engine engine;
+    const auto starting = [&engine](const char* depth) {
+        return depthsOf(
+            engine.request(tempSal, QStringLiteral("1490,1490.5,1491,1491.5*%1,50,75,100*10*35*45")
+                                        .arg(QLatin1String(depth))));
+    };
+    EXPECT_EQ(starting("5").mid(0, 3), (QVector<float>{0, 5, 50}));
+    EXPECT_EQ(starting("0").mid(0, 2), (QVector<float>{0, 50}));
+    EXPECT_EQ(starting("-5").mid(0, 2), (QVector<float>{-5, 50}));
+}
+
+TEST(ExtendTempSalAction, AWrongFormIsToldAsASuccess)
+{
+    Engine engine;
+    for (const char* body : {"", "1500", "1,2,3,4*0,1,2,3*10*35", "1,2,3,4*0,1,2,3*10*35*45*1"}) {
+        engine.plugin.addPendingAlert("pending");
+        engine.request(tempSal, QLatin1String(body));
+        EXPECT_EQ(engine.rawPackets(), QList<QByteArray>{R"({
+    "reason": "Invalid input parameters.",
+    "result": "SUCCESS",
+    "whoami": "ExtendTempSal"
+}
+)"}) << body;
+    }
+}
+
+TEST(ExtendTempSalAction, RefusalsStandInTheirOrder)
+{
+    Engine engine;
+    const QString invalid = QStringLiteral("Invalid svp.");
+    const QString noFit = QStringLiteral("Failed to extend svp.");
+    const QString good = QStringLiteral("SUCCESS");
+    struct
+    {
+        QString body;
+        QString outcome;
+    } const cases[] = {
+        {QStringLiteral("1490,1491,1492*0,50,40*99*35*45"), invalid},
+        {QStringLiteral("1490,,1491,1492,*0,50,60*10*35*45"), invalid},
+        {QStringLiteral("1490,1491,1492,1493*0,50,60*10*35*45"), invalid},
+        {QStringLiteral("1490,1491,1492*0,50,60,70*10*35*45"), invalid},
+        {QStringLiteral("1490,1491,1492,1493*0,50,40,60*99*35*45"), unsorted + shallow},
+        {QStringLiteral("1490,1490.5,1491,1491.5*0,50,75,100,120*10*35*45"), good},
+        {waterMass("0*35*45"), noFit},
+        {waterMass("-0.1*35*45"), invalid},
+        {waterMass("50*35*45"), noFit},
+        {waterMass("50.1*35*45"), invalid},
+        {waterMass("10*0*45"), noFit},
+        {waterMass("10*-0.1*45"), invalid},
+        {waterMass("10*500*45"), noFit},
+        {waterMass("10*500.1*45"), invalid},
+        {waterMass("10*35*-90"), good},
+        {waterMass("10*35*90"), good},
+        {waterMass("10*35*-90.1"), invalid},
+        {waterMass("10*35*90.1"), invalid},
+        // What is no number is 0.
+        {waterMass("word*35*45"), noFit},
+        {waterMass("10*35*word"), good},
+    };
+    for (const auto& c : cases) {
+        engine.plugin.addPendingAlert("pending");
+        EXPECT_EQ(outcome(engine.request(tempSal, c.body)), c.outcome) << c.body.toStdString();
+        EXPECT_EQ(engine.packets().size(), 1) << "no alerts after this action";
+    }
+}
+
 TEST(ExtendWithFileAction, JoinsTheRowsOfTheFile)
 {
     FileEngine engine;

@@ -53,3 +53,20 @@ TEST(DepthFromPressure, hasNoDepthForAnImpossiblePressure)
     EXPECT_TRUE(std::isnan(depthFromPressure(-1e6, 0.0)));
     EXPECT_TRUE(std::isnan(depthFromPressure(std::nan(""), 0.0)));
 }
+
+// The formula in another arrangement and a wider type.
+TEST(DepthToPressure, isTheFormulaAsWritten)
+{
+    for (const double latitude : {-90.0, -33.25, 0.0, 45.0, 59.5, 90.0}) {
+        for (const double z : {-2.0, 0.0, 0.5, 1000.0, 5500.0, 12000.0}) {
+            const long double phi = latitude * 0.017453292519943295L;
+            const long double written =
+                (2.45e-6L * z + (1.0L - 0.00263L * std::cos(2.0L * phi))) * 1.008L * z;
+            EXPECT_NEAR(depthToPressure(latitude, z), double(written), 1e-11 * std::abs(z))
+                << latitude << " " << z;
+        }
+    }
+    // By hand: cos 2φ is 0 at 45°, 0.5 at 30°.
+    EXPECT_NEAR(depthToPressure(45.0, 1000.0), 1010.4696, 1e-9);
+    EXPECT_NEAR(depthToPressure(30.0, 2000.0), (0.0049 + 0.998685) * 2016.0, 1e-9);
+}

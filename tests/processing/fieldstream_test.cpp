@@ -1,0 +1,173 @@
+#include "processing/fieldstream.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <string>
+
+using processing::FieldStream;
+using End = FieldStream::End;
+
+namespace {
+
+class TextStream
+{
+  public:
+    explicit TextStream(const std::string& text) : m_stream(std::tmpfile())
+    {
+        std::fwrite(text.data(), 1, text.size(), m_stream);
+        std::rewind(m_stream);
+    }
+    ~TextStream() { std::fclose(m_stream); }
+    TextStream(const TextStream&) = delete;
+    TextStream& operator=(const TextStream&) = delete;
+
+    std::FILE* get() const { return m_stream; }
+
+  private:
+    std::FILE* m_stream;
+};
+
+// All fields, "," behind each that ends with a comma and "|" behind each that ends a line.
+std::string fieldsOf(const std::string& text, std::size_t skippedLines = 0)
+{
+    const TextStream stream(text);
+    FieldStream fields(stream.get());
+    for (std::size_t i = 0; i < skippedLines; ++i)
+        fields.skipLine();
+    std::string all;
+    while (!fields.isAtEnd()) {
+        End end = End::Comma;
+        all += fields.take(end);
+        all += end == End::Comma ? ',' : '|';
+    }
+    EXPECT_FALSE(fields.hasFailed());
+    return all;
+}
+
+double numberOf(const std::string& text)
+{
+    const TextStream stream(text + ",next");
+    FieldStream fields(stream.get());
+    End end = End::Line;
+    const double value = fields.takeNumber(end);
+    EXPECT_EQ(end, End::Comma) << text;
+    EXPECT_EQ(fields.take(end), "next") << text;
+    EXPECT_EQ(end, End::Line) << text;
+    return value;
+}
+
+} // namespace
+
+TEST(FieldStream, takesFieldsAndLines)
+{
+    EXPECT_EQ(fieldsOf(""), "");
+    EXPECT_EQ(fieldsOf("a"), "a|");
+    EXPECT_EQ(fieldsOf("a,b\nc,,d\n"), "a,b|c,,d|");
+    EXPECT_EQ(fieldsOf(",\n"), ",|");
+    EXPECT_EQ(fieldsOf("a,"), "a,");
+    EXPECT_EQ(fieldsOf("\n\n"), "||");
+    EXPECT_EQ(fieldsOf(" a , b "), " a , b |");
+    EXPECT_EQ(fieldsOf(std::string("a\0b,c", 5)), std::string("a\0b,c|", 6));
+}
+
+TEST(FieldStream, knowsTheEndsOfLines)
+{
+    EXPECT_EQ(fieldsOf("a\nb\r\nc\r\r\nd\re"), "a|b|c|d|e|");
+    EXPECT_EQ(fieldsOf("a\r\rb"), "a||b|");
+    EXPECT_EQ(fieldsOf("a\n\rb"), "a||b|");
+    EXPECT_EQ(fieldsOf("a\r\n\r\nb"), "a||b|");
+    EXPECT_EQ(fieldsOf("a\r"), "a|");
+    EXPECT_EQ(fieldsOf("a\r\r"), "a||");
+    EXPECT_EQ(fieldsOf("a\r\r\n"), "a|");
+    EXPECT_EQ(fieldsOf("a\nb\r\nc\r\r\nd\re", 3), "d|e|");
+    EXPECT_EQ(fieldsOf("a", 3), "");
+}
+
+TEST(FieldStream, numbersAreReadWholeOrNotAtAll)
+{
+    EXPECT_EQ(numberOf("12.25"), 12.25);
+    EXPECT_EQ(numberOf("-0.5"), -0.5);
+    EXPECT_EQ(numberOf("+0.5"), 0.5);
+    EXPECT_EQ(numberOf(" 35.5\t"), 35.5);
+    EXPECT_EQ(numberOf("1e2"), 100.0);
+    EXPECT_EQ(numberOf("007"), 7.0);
+    EXPECT_EQ(numberOf("5."), 5.0);
+    EXPECT_EQ(numberOf(".5"), 0.5);
+    EXPECT_EQ(numberOf("1" + std::string(400, '0') + "e-400"), 1.0);
+    for (const char* const odd :
+         {"", " ", "x", "12x", "1 2", "1;2", "nan", "-nan", "inf", "+inf", "1e999", "-1e999",
+          "1e-999", "--1", "+-1", "++1", "+", "-", "0x10"})
+        EXPECT_TRUE(std::isnan(numberOf(odd))) << odd;
+    // Longer than any number, within a block and beyond one.
+    EXPECT_EQ(numberOf(std::string(999, '0') + "1"), 1.0);
+    EXPECT_TRUE(std::isnan(numberOf(std::string(1000, '0') + "1")));
+    EXPECT_TRUE(std::isnan(numberOf(std::string(600000, '1'))));
+}
+
+// Blocks of 256 KiB end at each place of the text once.
+TEST(FieldStream, blocksMayEndAnywhere)
+{
+    const std::string text = "12.345,-6\r\n1, 2\r\r\n3\r4,,5\n\r\r6";
+    for (std::size_t shift = 0; shift <= text.size() + 2; ++shift) {
+        const std::string title(256 * 1024 - 1 - shift, 't');
+        EXPECT_EQ(fieldsOf(title + '\n' + text, 1), "12.345,-6|1, 2|3|4,,5||"
+                                                    "|6|")
+            << shift;
+
+        const TextStream stream(title + '\n' + text);
+        FieldStream fields(stream.get());
+        fields.skipLine();
+        End end = End::Line;
+        EXPECT_EQ(fields.takeNumber(end), 12.345) << shift;
+        EXPECT_EQ(end, End::Comma);
+        EXPECT_EQ(fields.takeNumber(end), -6.0) << shift;
+        EXPECT_EQ(end, End::Line);
+        EXPECT_EQ(fields.takeNumber(end), 1.0) << shift;
+        EXPECT_EQ(fields.takeNumber(end), 2.0) << shift;
+        EXPECT_EQ(fields.takeNumber(end), 3.0) << shift;
+    }
+}
+
+TEST(FieldStream, aTakenFieldStaysValidUntilTheNextOne)
+{
+    const std::string title(256 * 1024 - 5, 't');
+    const TextStream stream(title + "\nabc\r\r\nd" + std::string(300000, 'x') + "\n");
+    FieldStream fields(stream.get());
+    fields.skipLine();
+    End end = End::Comma;
+    const std::string_view field = fields.take(end);
+    EXPECT_EQ(end, End::Line);
+    EXPECT_EQ(field, "abc");
+    // Too long a field is empty, not cut short.
+    EXPECT_EQ(fields.take(end), "");
+    EXPECT_TRUE(fields.isAtEnd());
+}
+
+TEST(FieldStream, skipsBehindAMarkOfTheLine)
+{
+    const TextStream stream("ab:c:d\nno\r\n" + std::string(600000, 'x') + ":e\n:\nlast");
+    FieldStream fields(stream.get());
+    End end = End::Comma;
+    EXPECT_TRUE(fields.skipBehind(':'));
+    EXPECT_EQ(fields.take(end), "c:d");
+    EXPECT_FALSE(fields.skipBehind(':'));
+    EXPECT_TRUE(fields.skipBehind(':'));
+    EXPECT_EQ(fields.take(end), "e");
+    EXPECT_TRUE(fields.skipBehind(':'));
+    EXPECT_EQ(fields.take(end), "");
+    EXPECT_FALSE(fields.skipBehind(':'));
+    EXPECT_TRUE(fields.isAtEnd());
+}
+
+TEST(FieldStream, tellsOfAStreamThatFails)
+{
+    std::FILE* const stream = std::fopen("/dev/null", "wb");
+    if (stream == nullptr)
+        GTEST_SKIP() << "needs a stream that cannot be read";
+    FieldStream fields(stream);
+    EXPECT_TRUE(fields.isAtEnd());
+    EXPECT_TRUE(fields.hasFailed());
+    std::fclose(stream);
+}
