@@ -28,6 +28,10 @@ QString dataRoot();
 /// a data root.
 QString defaultProfileFolder(const QString& windowsDefault);
 
+/// A file of the survey system that has a fixed place on Windows, `windowsPath`. Elsewhere it is
+/// `belowDataRoot` (e.g. "temp/token.lck") below the data root, empty without a data root.
+QString systemFile(const QString& windowsPath, const QString& belowDataRoot);
+
 /// Opens `path` as `std::fopen` does, with names outside of the narrow character set too. Null
 /// when it cannot be opened or is there but no file. The caller closes the stream.
 std::FILE* openStream(const QString& path, const char* mode);

@@ -29,9 +29,14 @@ QString environmentValue(const char* name)
 
 QString defaultProfileFolder(const QString& windowsDefault)
 {
-    Q_UNUSED(windowsDefault)
+    return systemFile(windowsDefault, QStringLiteral("qrvdata/svp_abscoeff"));
+}
+
+QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
+{
+    Q_UNUSED(windowsPath)
     const QString root = dataRoot();
-    return root.isEmpty() ? QString() : root + QStringLiteral("qrvdata/svp_abscoeff");
+    return root.isEmpty() ? QString() : root + belowDataRoot;
 }
 
 std::FILE* openStream(const QString& path, const char* mode)

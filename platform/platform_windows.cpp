@@ -28,6 +28,12 @@ QString defaultProfileFolder(const QString& windowsDefault)
     return windowsDefault;
 }
 
+QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
+{
+    Q_UNUSED(belowDataRoot)
+    return windowsPath;
+}
+
 std::FILE* openStream(const QString& path, const char* mode)
 {
     const QFileInfo file(path);

@@ -16,6 +16,14 @@ TEST(Platform, TheDataRootFollowsTheEnvironment)
     qunsetenv("ProgramData");
     EXPECT_EQ(platform::dataRoot(), QString());
     EXPECT_EQ(platform::defaultProfileFolder(QStringLiteral("C:/x")), QString());
+    EXPECT_EQ(platform::systemFile(QStringLiteral("C:/x"), QStringLiteral("x")), QString());
+}
+
+TEST(Platform, FilesWithAFixedPlaceOnWindowsLieBelowTheDataRootElsewhere)
+{
+    const DataFolder folder;
+    EXPECT_EQ(platform::systemFile(QStringLiteral("c:\\temp\\a.lck"), QStringLiteral("temp/a.lck")),
+              folder.path(QStringLiteral("temp/a.lck")));
 }
 
 TEST(Platform, BackslashesSeparate)
