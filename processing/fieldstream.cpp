@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -24,6 +25,41 @@ bool endsLine(char c)
 bool endsField(char c)
 {
     return c == ',' || endsLine(c);
+}
+
+// Reads a decimal number of up to 15 digits without an exponent, as nearly every one is, that ends
+// with its field; null for any other text. Both parts of the quotient are integers that a double
+// holds, so it is rounded once: the result is that of from_chars, in half the time.
+const char* readPlain(const char* at, const char* end, double& value)
+{
+    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::ptrdiff_t mostDigits = 15;
+
+    const bool isNegative = at != end && *at == '-';
+    if (isNegative)
+        ++at;
+    const char* const begin = at;
+    const char* const limit = end - at > mostDigits + 1 ? at + mostDigits + 1 : end;
+    std::int64_t digits = 0;
+    const auto takeDigits = [&] {
+        for (; at != limit && *at >= '0' && *at <= '9'; ++at)
+            digits = digits * 10 + (*at - '0');
+    };
+    takeDigits();
+    std::ptrdiff_t count = at - begin;
+    std::ptrdiff_t decimals = 0;
+    if (at != limit && *at == '.') {
+        const char* const point = at++;
+        takeDigits();
+        decimals = at - point - 1;
+        count += decimals;
+    }
+    if (at == end || !endsField(*at) || count == 0 || count > mostDigits)
+        return nullptr;
+    const double amount = double(digits) / powers[decimals];
+    value = isNegative ? -amount : amount;
+    return at;
 }
 
 double numberOf(std::string_view field)
@@ -117,15 +153,13 @@ std::string_view FieldStream::take(End& end)
 double FieldStream::takeNumber(End& end)
 {
     finishLineEnd();
-    // Nearly every field is a number that ends within the block, and is looked at once.
     double value = 0.0;
-    const auto read = std::from_chars(m_at, m_end, value);
-    if (read.ec != std::errc() || read.ptr == m_end || !endsField(*read.ptr) ||
-        read.ptr - m_at > longestField)
+    const char* const stop = readPlain(m_at, m_end, value);
+    if (stop == nullptr)
         return numberOf(take(end));
-    m_at = read.ptr;
+    m_at = stop;
     end = takeDelimiter();
-    return std::isfinite(value) ? value : noNumber;
+    return value;
 }
 
 bool FieldStream::skipBehind(char mark)

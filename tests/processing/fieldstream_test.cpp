@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
-#include <memory>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 using processing::FieldStream;
 using End = FieldStream::End;
@@ -104,6 +106,36 @@ TEST(FieldStream, numbersAreReadWholeOrNotAtAll)
     EXPECT_EQ(numberOf(std::string(999, '0') + "1"), 1.0);
     EXPECT_TRUE(std::isnan(numberOf(std::string(1000, '0') + "1")));
     EXPECT_TRUE(std::isnan(numberOf(std::string(600000, '1'))));
+}
+
+// The quick way for plain numbers gives what the standard library does, digit for digit.
+TEST(FieldStream, numbersAreThoseOfTheStandardLibrary)
+{
+    std::vector<std::string> texts = {"0",     "-0",   "-0.0", "0.1",  "-.5",  "9007199254740993",
+                                      "35.10", "1e-3", "00.7", "-12.", "1.5E2"};
+    std::uint64_t random = 1;
+    for (int i = 0; i < 20000; ++i) {
+        random = random * 6364136223846793005U + 1442695040888963407U;
+        const std::string digits = std::to_string(random >> 11U);
+        const std::size_t size = 1 + (random >> 3U) % digits.size();
+        std::string text = digits.substr(0, size);
+        text.insert((random >> 7U) % (size + 1), ".");
+        texts.push_back((i % 2 == 0 ? "-" : "") + text);
+    }
+    std::string all;
+    for (const std::string& text : texts)
+        all += text + ',';
+    const TextStream stream(all + '0');
+    FieldStream fields(stream.get());
+    for (const std::string& text : texts) {
+        double expected = 7.0;
+        std::from_chars(text.data(), text.data() + text.size(), expected);
+        End end = End::Line;
+        const double value = fields.takeNumber(end);
+        EXPECT_EQ(value, expected) << text;
+        EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;
+        EXPECT_EQ(end, End::Comma) << text;
+    }
 }
 
 // Blocks of 256 KiB end at each place of the text once.
