@@ -1,4 +1,5 @@
 /// The open cast: plot, table, header, facts and verdict, and the level selected in all of them.
+import { legend } from "./legend";
 import { columnsOf, plotQuantities, valueText, type Column, type PlotQuantity } from "./columns";
 import { byId, make } from "./dom";
 import type { Verdict } from "./engine";
@@ -6,12 +7,24 @@ import { formatClock, formatCount } from "./format";
 import { headerRows } from "./header-fields";
 import { LevelTable } from "./level-table";
 import { PlotView } from "./plot-view";
-import type { Profile } from "./profile";
+import { isJoined, type Profile } from "./profile";
+
+/// A verdict and when it was given.
+interface ToldVerdict extends Verdict {
+  at: Date;
+}
+
+/// What the page shows of a cast, to be shown again later.
+export interface CastState {
+  profile: Profile;
+  verdict: ToldVerdict | null;
+}
 
 export class CastView {
   private profile: Profile | null = null;
   private columns: readonly Column[] = [];
   private invalid: readonly number[] = [];
+  private verdict: ToldVerdict | null = null;
   private selected = -1;
   private quantities: readonly PlotQuantity[] = [];
 
@@ -29,10 +42,24 @@ export class CastView {
   private readonly table = new LevelTable(byId("level-table"), (level) => this.select(level));
 
   constructor() {
+    byId("plot-legend").append(
+      legend([{ key: "measured", label: "Measured" }, { key: "joined", label: "Joined" }]),
+    );
     this.resetZoom.addEventListener("click", () => this.plot.reset());
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
     this.quantityChoice.addEventListener("change", () => this.plot.showQuantity(this.quantity));
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
+  }
+
+  /// What is on the page, or null while there is no cast.
+  get state(): CastState | null {
+    return this.profile && { profile: this.profile, verdict: this.verdict };
+  }
+
+  /// Shows again what was on the page.
+  restore({ profile, verdict }: CastState): void {
+    this.show(profile);
+    if (verdict) this.tellVerdict(verdict);
   }
 
   get open(): Profile | null {
@@ -44,6 +71,7 @@ export class CastView {
     this.profile = profile;
     this.columns = columnsOf(profile);
     this.invalid = [];
+    this.verdict = null;
     document.body.dataset["cast"] = profile.filename;
     document.title = `${profile.filename} – SVP Editor`;
     this.title.textContent = profile.filename;
@@ -75,14 +103,20 @@ export class CastView {
     quantityChoice.hidden = this.quantities.length < 2;
   }
 
-  showVerdict({ lines, invalid }: Verdict): void {
+  showVerdict(verdict: Verdict): void {
+    this.tellVerdict({ ...verdict, at: new Date() });
+  }
+
+  private tellVerdict(told: ToldVerdict): void {
+    const { lines, invalid, at } = told;
+    this.verdict = told;
     this.invalid = invalid;
     const verdict = byId("verdict");
     verdict.hidden = false;
     // Lines after the first say what is still missing from a profile whose levels are all valid.
     verdict.dataset["state"] =
       invalid.length > 0 ? "invalid" : lines.length > 1 ? "unfinished" : "valid";
-    byId("verdict-title").textContent = `Check of ${formatClock(new Date())}`;
+    byId("verdict-title").textContent = `Check of ${formatClock(at)}`;
     byId("verdict-lines").replaceChildren(...lines.map((line) => make("li", "", line)));
     this.plot.markInvalid(invalid);
     void this.table.markInvalid(invalid);
@@ -124,6 +158,9 @@ export class CastView {
     const { count } = this.profile;
     const bad = this.invalid.length;
     this.facts.textContent = `${formatCount(count)} ${count === 1 ? "level" : "levels"}`;
+    const joined = this.profile.joined?.size ?? 0;
+    if (joined > 0) this.facts.append(` · ${formatCount(joined)} joined`);
+    byId("plot-legend").hidden = joined === 0;
     if (bad > 0) this.facts.append(" · ", make("span", "bad", `${formatCount(bad)} invalid`));
     this.fitValid.hidden = bad === 0 || bad === count;
     this.nextInvalid.hidden = bad === 0;
@@ -139,6 +176,7 @@ export class CastView {
     const bad = this.invalid.includes(selected);
     this.readout.textContent = [`Level ${selected + 1}`, ...values].join("  ·  ");
     if (bad) this.readout.append("  ·  ", make("span", "bad", "invalid"));
+    else if (isJoined(profile, selected)) this.readout.append("  ·  joined, not measured");
   }
 
   private showHeader(profile: Profile): void {

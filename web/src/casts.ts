@@ -1,5 +1,6 @@
 /// The casts of the profile folder: fetched from the host, shown as a list of buttons.
 import { button, make } from "./dom";
+import { isOwnFile } from "./own-files";
 import { formatCount, formatMoment, formatSize } from "./format";
 
 export interface Cast {
@@ -18,7 +19,7 @@ export interface CastFolder {
 }
 
 /// Reads the folder's list from the host, with files that end in one of `endings` besides the casts
-/// that it knows. Rejects with a sentence for the user.
+/// that it knows and without those that the page has written for itself. Rejects with a sentence for the user.
 export async function fetchCasts(endings: readonly string[]): Promise<CastFolder> {
   const query = new URLSearchParams(endings.map((ending) => ["also", ending])).toString();
   let response: Response;
@@ -30,7 +31,8 @@ export async function fetchCasts(endings: readonly string[]): Promise<CastFolder
   if (!response.ok) throw new Error(`the host answered ${response.status}`);
   try {
     const answer = (await response.json()) as Partial<CastFolder>;
-    return { folder: answer.folder ?? "", casts: answer.casts ?? [] };
+    const casts = answer.casts ?? [];
+    return { folder: answer.folder ?? "", casts: casts.filter(({ name }) => !isOwnFile(name)) };
   } catch {
     throw new Error("the host's answer cannot be read");
   }

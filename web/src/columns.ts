@@ -1,7 +1,7 @@
 /// What is shown of a level, and how: used by the table, the hover text and the read-out.
 import { decimalsFor, formatValue } from "./format";
 import { carriesConductivity, identifierOf } from "./identifiers";
-import type { Profile } from "./profile";
+import { isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
 
 export interface Column {
@@ -75,10 +75,11 @@ function shownDecimals(decimals: number, key: ListKey): number {
 }
 
 /// Whether what the probe measured for a depth is a pressure in MPa: some 1.01 of it to 100 m.
-function holdsPressures({ lists }: Profile): boolean {
+export function holdsPressures(profile: Profile): boolean {
+  const { lists } = profile;
   let compared = 0;
   const isPressure = lists.svp_Depth.every((depth, level) => {
-    if (!(depth > 1)) return true;
+    if (!(depth > 1) || isJoined(profile, level)) return true;
     compared += 1;
     const ratio = depth / (lists.svp_Depth_CTD[level] ?? Number.NaN);
     return ratio > 94 && ratio < 101;
@@ -101,13 +102,30 @@ export function plotQuantities(columns: readonly Column[]): PlotQuantity[] {
   });
 }
 
+/// What an extension does not know: its levels repeat the last measured value, which is needed where
+/// every level must have one, but is none to be looked at.
+const MEASURED_ONLY: readonly ListKey[] = ["svp_Temp", "svp_Sal", "svp_AbsCoef"];
+
+/// The values of a list that are worth looking at: NaN where none was measured.
+export function shownValues(profile: Profile, key: ListKey): readonly number[] {
+  const values = profile.lists[key];
+  if (!profile.joined || !MEASURED_ONLY.includes(key)) return values;
+  return values.map((value, level) => (isJoined(profile, level) ? NaN : value));
+}
+
+/// One of `shownValues`.
+export function shownValue(profile: Profile, key: ListKey, level: number): number | undefined {
+  const isUnknown = MEASURED_ONLY.includes(key) && isJoined(profile, level);
+  return isUnknown ? NaN : profile.lists[key][level];
+}
+
 /// Whether the salinities of a profile are conductivities as its file has them.
-function holdsConductivity({ header }: Profile): boolean {
+export function holdsConductivity({ header }: Profile): boolean {
   return carriesConductivity(identifierOf(header.hsvp_filetype));
 }
 
 /// One value of a level with its unit, "12.50 m".
 export function valueText(profile: Profile, column: Column, level: number): string {
-  const text = formatValue(profile.lists[column.key][level], column.decimals);
+  const text = formatValue(shownValue(profile, column.key, level), column.decimals);
   return column.unit ? `${text} ${column.unit}` : text;
 }

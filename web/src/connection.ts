@@ -35,7 +35,7 @@ export class Connection {
   private isOpen = false;
   private retryMs = FIRST_RETRY_MS;
   private queue: string[] = [];
-  private readonly listeners = new Map<string, (packet: Packet) => void>();
+  private readonly listeners = new Map<string, ((packet: Packet) => void)[]>();
   private readonly stateListeners: ((state: ConnectionState) => void)[] = [];
 
   constructor(
@@ -43,9 +43,10 @@ export class Connection {
     private readonly around: Surroundings = browser,
   ) {}
 
-  /// Packets whose "whoami" is `whoami` go to `listener`; others are dropped.
+  /// Packets whose "whoami" is `whoami` go to `listener`, behind those that were named before it;
+  /// packets without a listener are dropped.
   on(whoami: string, listener: (packet: Packet) => void): void {
-    this.listeners.set(whoami, listener);
+    this.listeners.set(whoami, [...(this.listeners.get(whoami) ?? []), listener]);
   }
 
   onState(listener: (state: ConnectionState) => void): void {
@@ -77,7 +78,8 @@ export class Connection {
     };
     socket.onmessage = ({ data }) => {
       const packet = typeof data === "string" ? packetOf(data) : null;
-      if (packet) this.listeners.get(packet.whoami)?.(packet);
+      if (!packet) return;
+      for (const listener of this.listeners.get(packet.whoami) ?? []) listener(packet);
     };
     socket.onclose = () => {
       this.isOpen = false;

@@ -2,6 +2,7 @@
 /// page asked for it.
 import { invalidLevels } from "./invalid";
 import type { Connection, ConnectionState } from "./connection";
+import { isOwnFile } from "./own-files";
 import { profileOf, sameFile, type Profile } from "./profile";
 import {
   Action,
@@ -189,6 +190,8 @@ export class Engine {
     if (packet.result !== SUCCESS) {
       this.onOpenFailed(packet.reason ?? "");
     } else {
+      // A page has read back what it had written for itself.
+      if (isOwnFile(packet.filename ?? "")) return;
       const profile = profileOf(packet);
       let subject: Subject = null;
       const standing = pending.succeeded(Action.open, (request) => {

@@ -1,5 +1,7 @@
 /// Names of the files that the page hands in or has written.
 
+import { isOwnFile, PREVIEW_NAME } from "./own-files";
+
 export type Suffix = ".asvp" | ".ssp";
 
 /// Bytes of a file name that every file system takes, a backup's date and time included.
@@ -31,8 +33,14 @@ export function nameFault(name: string): string {
   if (name === "" || /^\.(asvp|ssp)$/i.test(name)) return "Give the file a name.";
   if (/[/\\:]/.test(name)) return "A name only, without a folder: no slash, backslash or colon.";
   if (/[*[\]\u0000-\u001f\u007f]/.test(name)) return "No star and no square brackets in the name.";
+  if (isOwnName(name)) return "The page uses this name itself. Choose another one.";
   if (name.startsWith(".")) return "A name that begins with a full stop would not be listed.";
   return lengthFault(name);
+}
+
+/// Whether a file of this name, its suffix added or not, would not be listed, or be overwritten.
+export function isOwnName(name: string): boolean {
+  return [name, `${name}.asvp`].some((each) => isOwnFile(each) || each.toLowerCase() === PREVIEW_NAME);
 }
 
 /// What is wrong with a name's length, as a sentence; "" when nothing is.

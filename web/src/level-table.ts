@@ -1,9 +1,9 @@
 /// The table of levels. The only module that knows the table library.
 import { FormatModule, InteractionModule, SelectRowModule, Tabulator } from "tabulator-tables";
 import { make } from "./dom";
-import type { Column } from "./columns";
+import { shownValue, type Column } from "./columns";
 import { formatValue } from "./format";
-import type { Profile } from "./profile";
+import { isJoined, type Profile } from "./profile";
 
 Tabulator.registerModule([FormatModule, InteractionModule, SelectRowModule]);
 
@@ -50,6 +50,7 @@ export class LevelTable {
   private invalid: ReadonlySet<number> = new Set();
   private selected = -1;
   private count = 0;
+  private profile: Profile | null = null;
 
   constructor(
     private readonly host: HTMLElement,
@@ -64,6 +65,7 @@ export class LevelTable {
     this.invalid = new Set();
     this.selected = -1;
     this.count = profile.count;
+    this.profile = profile;
     // The library wants an element of its own; one that it has destroyed is not used again.
     const element = make("div", "");
     this.host.replaceChildren(element);
@@ -97,7 +99,7 @@ export class LevelTable {
           minWidth: widths[place],
           formatter: (cell: { getData(): object }) =>
             formatValue(
-              profile.lists[column.key][(cell.getData() as Row).index],
+              shownValue(profile, column.key, (cell.getData() as Row).index),
               column.decimals,
             ),
         })),
@@ -144,6 +146,7 @@ export class LevelTable {
 
   private paint(row: HTMLElement, level: number): void {
     row.classList.toggle("invalid", this.invalid.has(level));
+    row.classList.toggle("joined", this.isJoined(level));
     row.classList.toggle("selected", level === this.selected);
     row.setAttribute("aria-selected", String(level === this.selected));
     row.setAttribute("aria-rowindex", String(level + 2));
@@ -158,8 +161,17 @@ export class LevelTable {
       mark.setAttribute("role", "img");
       mark.setAttribute("aria-label", "invalid");
       cell.prepend(mark);
+    } else if (this.isJoined(level)) {
+      const mark = make("span", "joined-mark", "◇");
+      mark.setAttribute("role", "img");
+      mark.setAttribute("aria-label", "joined");
+      cell.prepend(mark);
     }
     return cell;
+  }
+
+  private isJoined(level: number): boolean {
+    return this.profile !== null && isJoined(this.profile, level);
   }
 
   private move(event: KeyboardEvent): void {

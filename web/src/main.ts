@@ -1,11 +1,16 @@
 /// The page: its parts made and joined.
+import { Asker } from "./asker";
 import { CastList, fetchCasts } from "./casts";
-import { CastView } from "./cast-view";
+import { CastView, type CastState } from "./cast-view";
 import { Connection, type ConnectionState } from "./connection";
-import { isAsking } from "./dialog";
+import { ask, isAsking } from "./dialog";
 import { byId } from "./dom";
 import { listenForDrops } from "./drop-zone";
+import { Edits } from "./edits";
 import { Engine } from "./engine";
+import { ExtendDialog } from "./extend-dialog";
+import { extendedText, thinnedText } from "./extend-words";
+import { Extender } from "./extender";
 import { FilterDialog } from "./filter-dialog";
 import { FilterTable, browserSafe } from "./filter-table";
 import { formatClock } from "./format";
@@ -21,11 +26,15 @@ import {
   sentText,
   workText,
 } from "./outbox-words";
-import { Output } from "./output";
+import { Output, leftOut } from "./output";
+import { isOwnFile } from "./own-files";
 import { postFile } from "./post-file";
 import { sameFile, sameProfile, type Profile } from "./profile";
+import { Action, SUCCESS } from "./protocol";
 import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
+import { ThinDialog } from "./thin-dialog";
+import { Thinner, type ThinnedFile } from "./thinner";
 import { Uploads, type PickedFile } from "./uploads";
 
 const EXPIRE_EVERY_MS = 1000;
@@ -33,18 +42,22 @@ const EXPIRE_EVERY_MS = 1000;
 const theme = new ThemeSwitch(byId<HTMLButtonElement>("theme"));
 const messages = new Messages(byId("messages"));
 const castView = new CastView();
-const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => engine.open(name));
+const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => void leaving(() => engine.open(name)));
 const connection = new Connection(new URL("ws", location.href).href.replace(/^http/, "ws"));
+const edits = new Edits<CastState>();
 const checkButton = byId<HTMLButtonElement>("check");
 
 const engine = new Engine(connection, {
-  opened: show,
-  openFailed: (name, reason) =>
+  opened: arrived,
+  openFailed: (name, reason) => {
+    agreed = null;
     messages.add({
       kind: "failure",
+      key: openFailure(name),
       text: openFailedText(name, reason),
       ...(isAboutFilter(name, reason) ? { action: toFilters(null) } : {}),
-    }),
+    });
+  },
   checked: (profile, verdict) => {
     if (profile === castView.open) castView.showVerdict(verdict);
   },
@@ -66,12 +79,14 @@ const uploads = new Uploads(
   },
   {
     stored: (text) => messages.add({ kind: "notice", text }),
-    failed: (text, name, filterFile) =>
+    failed: (text, name, filterFile) => {
+      agreed = null;
       messages.add({
         kind: "failure",
         text,
         ...(filterFile ? { action: toFilters({ file: filterFile, stored: name }) } : {}),
-      }),
+      });
+    },
     folderChanged: () => void refresh(),
     waiting: showWaiting,
   },
@@ -84,7 +99,7 @@ const filterDialog = new FilterDialog(filterTable, {
   },
   leftUnstored: (text) =>
     messages.add({ kind: "failure", key: "filters", text, action: toFilters(null) }),
-  open: (file, stored) => (stored ? engine.open(stored) : uploads.add([file])),
+  open: (file, stored) => void leaving(() => (stored ? engine.open(stored) : uploads.add([file]))),
 });
 
 /// The way to the import filters that a message offers, with the file that needs one.
@@ -95,6 +110,8 @@ function toFilters(handed: { file: PickedFile; stored: string } | null) {
 const outbox = new Outbox(connection, {
   sent: (job, svptype) => messages.add({ kind: "notice", text: sentText(job, svptype) }),
   saved: (job, path) => {
+    if (job.profile) edits.saved(job.name, job.profile);
+    showEdits();
     messages.add({ kind: "notice", text: savedText(job, path) });
     void refresh();
   },
@@ -112,6 +129,46 @@ const output = new Output(outbox, () => castView.open, async (name) => {
   await refresh();
   return castList.listed(name);
 });
+const asker = new Asker(connection, [
+  Action.extendDefault, Action.extendTempSal, Action.extendFile, Action.extensionName, Action.thin, Action.open,
+]);
+const extendDialog = new ExtendDialog(new Extender(asker, postFile), {
+  extended: (before, way, result) => {
+    const text = extendedText(before, way, result);
+    if (before !== castView.open) return;
+    if (result.joined > 0 || result.surface) change("Undo extend", result.profile);
+    messages.add({ kind: "notice", text });
+  },
+  check: () => check(),
+});
+const thinDialog = new ThinDialog(new Thinner(asker, connection), {
+  kept: (before, after, file) => {
+    if (before !== castView.open) return wroteThinned(before, file);
+    edits.saved(file.name, after);
+    change("Undo thin", after);
+    const remark = /\.asvp$/i.test(file.name) ? leftOut(before) : "";
+    const said = remark && `The file has ${remark}`;
+    messages.add({ kind: "notice", text: thinnedText(before, file, after.count, [said]) });
+    void refresh().then(() => castList.mark(after.filename));
+  },
+  written: wroteThinned,
+  occasion: (profile) => output.occasion(profile),
+  listed: async (name) => {
+    await refresh();
+    return castList.listed(name);
+  },
+  extend: () => extend(),
+  check: () => check(),
+});
+// A file that this page or another one has written.
+connection.on(Action.thin, ({ result, file }) => {
+  if (result === SUCCESS && file && !isOwnFile(file)) void refresh();
+});
+
+function wroteThinned(before: Profile, { path }: ThinnedFile): void {
+  messages.add({ kind: "notice", text: `${before.filename} was thinned and written as ${path}.` });
+}
+
 const sendButton = byId<HTMLButtonElement>("send");
 const sendMenu = new Menu(sendButton, [
   {
@@ -133,12 +190,85 @@ const saveMenu = new Menu(saveButton, [
   },
 ]);
 
+/// The cast that the user has agreed to leave although it is not saved.
+let agreed: Profile | null = null;
+
+/// Goes on to another cast, with the user's consent where the one on the page is not saved.
+async function leaving(go: () => void): Promise<void> {
+  const { open } = castView;
+  if (open && edits.isUnsaved(open) && agreed !== open) {
+    const answer = await ask({
+      title: "Leave without saving?",
+      text: [`${open.filename} was changed and is not saved.`],
+      confirm: "Leave",
+    });
+    if (!answer) return;
+    agreed = open;
+  }
+  go();
+}
+
+const openFailure = (name: string) => `open:${name}`;
+
+/// A profile that this page has asked for. Levels that came to be meanwhile and are not saved are
+/// not put away for it.
+function arrived(profile: Profile): void {
+  // A failure that was told before it was another page's.
+  messages.dismiss(openFailure(profile.filename));
+  const { open } = castView;
+  if (!open || !edits.isUnsaved(open) || agreed === open) return show(profile);
+  messages.add({
+    kind: "notice",
+    key: `ready:${profile.filename}`,
+    text: `${profile.filename} is ready. ${open.filename} on the page is not saved.`,
+    action: { label: "Open it", run: () => void leaving(() => show(profile)) },
+  });
+}
+
 function show(profile: Profile): void {
+  agreed = null;
+  edits.opened(profile);
+  put({ profile, verdict: null });
+}
+
+/// Puts a cast on the page, freshly opened or not.
+function put(state: CastState): void {
   engine.forgetCheck();
-  castView.show(profile);
-  castList.mark(profile.filename);
+  castView.restore(state);
+  castList.mark(state.profile.filename);
   document.body.classList.add("has-cast");
+  showEdits();
   showWaiting();
+}
+
+/// Puts what was made of the open cast in its place.
+function change(label: string, profile: Profile): void {
+  const before = castView.state;
+  if (before) edits.changed(label, before);
+  put({ profile, verdict: null });
+}
+
+function undo(): void {
+  const before = edits.undo();
+  if (before) put(before);
+}
+
+function showEdits(): void {
+  const { open } = castView;
+  const isUnsaved = open !== null && edits.isUnsaved(open);
+  const undoButton = byId("undo");
+  undoButton.textContent = edits.undoLabel;
+  undoButton.hidden = edits.undoLabel === "";
+  byId("unsaved").textContent = isUnsaved ? "Not saved" : "";
+  byId("edits").hidden = !isUnsaved && undoButton.hidden && !open?.joined;
+}
+
+function extend(): void {
+  if (castView.open && !byId<HTMLButtonElement>("extend").disabled) extendDialog.show(castView.open);
+}
+
+function thin(): void {
+  if (castView.open && !byId<HTMLButtonElement>("thin").disabled) thinDialog.show(castView.open);
 }
 
 /// A profile that another page, or the survey system, had opened: offered, never forced over the
@@ -154,7 +284,7 @@ function offer(profile: Profile): void {
     text: changed
       ? `${profile.filename} was opened elsewhere and has changed since.`
       : `${profile.filename} was opened elsewhere.`,
-    action: { label: "Open it", run: () => show(profile) },
+    action: { label: "Open it", run: () => void leaving(() => show(profile)) },
   });
 }
 
@@ -171,6 +301,8 @@ function showWaiting(): void {
   const isOpen = castView.open !== null && castView.open.count > 0;
   sendButton.disabled = !isOpen;
   saveButton.disabled = !isOpen;
+  byId<HTMLButtonElement>("extend").disabled = !isOpen;
+  byId<HTMLButtonElement>("thin").disabled = !isOpen;
 }
 
 function showUpload(): void {
@@ -252,6 +384,9 @@ const shortcuts: Shortcut[] = [
   { key: "F", text: "Zoom to the valid levels", run: () => castView.fit() },
   { key: "+ −", text: "In the plot: zoom in and out around the selected level" },
   { key: "0", text: "Show all levels", run: () => castView.reset() },
+  { key: "E", text: "Extend the open cast to full ocean depth", run: extend },
+  { key: "H", text: "Thin the open cast", run: thin },
+  { key: "U", text: "Undo: one step back", run: undo },
   { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => sendMenu.open() },
   { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },
   { key: "I", text: "Import filters: how column files are read", run: () => void filterDialog.show() },
@@ -265,17 +400,31 @@ filePicker.addEventListener("change", () => {
   const files = [...(filePicker.files ?? [])];
   // So that the same file can be picked again once it was mended.
   filePicker.value = "";
-  uploads.add(files);
+  handIn(files);
 });
 listenForDrops(byId("drop-hint"), {
-  accepts: () => filterDialog.isAlone || !isAsking(),
+  accepts: () => filterDialog.isAlone || extendDialog.isOpen || !isAsking(),
   dropped: (files) => {
-    if (!filterDialog.isOpen) uploads.add(files);
-    else if (files[0]) void filterDialog.take(files[0]);
+    const [first] = files;
+    if (!extendDialog.isOpen && !filterDialog.isOpen) handIn(files);
+    else if (first) void (extendDialog.isOpen ? extendDialog : filterDialog).take(first);
   },
 });
+addEventListener("beforeunload", (event) => {
+  if (!castView.open || !edits.isUnsaved(castView.open)) return;
+  event.preventDefault();
+  // What browsers before 2023 go by.
+  event.returnValue = "Not saved";
+});
+
+function handIn(files: readonly PickedFile[]): void {
+  if (files.length > 0) void leaving(() => uploads.add(files));
+}
 
 checkButton.addEventListener("click", check);
+byId("extend").addEventListener("click", extend);
+byId("thin").addEventListener("click", thin);
+byId("undo").addEventListener("click", undo);
 byId("open-file").addEventListener("click", () => filePicker.click());
 byId("filters").addEventListener("click", () => void filterDialog.show());
 byId("refresh").addEventListener("click", () => void refresh());
@@ -286,6 +435,7 @@ connection.onState(showConnection);
 setInterval(() => {
   engine.expire();
   outbox.expire();
+  asker.expire();
   filterTable.expire();
 }, EXPIRE_EVERY_MS);
 connection.start();

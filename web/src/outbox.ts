@@ -1,6 +1,6 @@
 /// What the page hands to the engine to be sent, saved or distributed, and what comes of it.
 import type { Connection, ConnectionState } from "./connection";
-import { sameFile } from "./profile";
+import { sameFile, type Profile } from "./profile";
 import { Action, SUCCESS, requestFrame, type Packet } from "./protocol";
 import { nameSent } from "./protocol-output";
 import { PendingRequests, type PendingRequest } from "./requests";
@@ -17,6 +17,8 @@ export interface Job {
   /// Name of the cast, or for a save the name of the file to be written.
   name: string;
   levels: number;
+  /// What goes out, where it matters whose levels a file holds afterwards.
+  profile?: Profile;
   /// Said behind the success message.
   remark?: string;
 }

@@ -74,7 +74,7 @@ export class Output {
       const older = await this.listed(name);
       const kept = older ? `the older file is kept as ${older.replace(/\.ssp$/i, "")}_bck_(date)_(time).ssp. ` : "";
       const remark = (kept + tooManyLevels(profile.count)).trim();
-      const job = { way: "save", name, levels: profile.count, remark } as const;
+      const job = { way: "save", name, levels: profile.count, profile, remark } as const;
       this.outbox.begin(job, Action.save, saveDatagramBody(profile, name, identifier, occasion));
     });
   }
@@ -100,7 +100,7 @@ export class Output {
     if (older && !(await mayReplace(older))) return;
     const occasion = await this.occasion(profile);
     if (!occasion) return;
-    const job = { way: "save", name, levels: profile.count, remark: leftOut(profile) } as const;
+    const job = { way: "save", name, levels: profile.count, profile, remark: leftOut(profile) } as const;
     this.outbox.begin(job, action, saveAsvpBody(profile, name, occasion));
   }
 
@@ -117,7 +117,7 @@ export class Output {
   }
 
   /// Time and position of a cast, from its header or from the user; null when neither has them.
-  private async occasion(profile: Profile): Promise<Occasion | null> {
+  async occasion(profile: Profile): Promise<Occasion | null> {
     const earlier = this.stated?.profile === profile ? this.stated.occasion : {};
     const found = await occasionOf(profile, earlier);
     if (found) this.stated = { profile, occasion: found };
@@ -126,7 +126,7 @@ export class Output {
 }
 
 /// What an .asvp file does not keep of a profile, as a sentence; "" when it keeps all.
-function leftOut(profile: Profile): string {
+export function leftOut(profile: Profile): string {
   const kept: readonly ListKey[] = ["svp_Depth", "svp_Speed", "svp_Depth_CTD", "svp_Speed_CTD"];
   const lost = columnsOf(profile).some(({ key }) => !kept.includes(key));
   return lost ? "depth and sound speed only; a datagram file keeps the other columns too." : "";

@@ -1,8 +1,8 @@
 /// The plot on the page: what is in view, zoom, hover and the selected level.
-import { valueText, type Column, type PlotQuantity } from "./columns";
+import { shownValues, valueText, type Column, type PlotQuantity } from "./columns";
 import { make, makeSvg } from "./dom";
 import { profilePlot, viewOf, type ProfilePlot, type Span, type View } from "./plot";
-import type { Profile } from "./profile";
+import { isJoined, type Profile } from "./profile";
 
 /// A pointer that moves less than this many pixels between press and release has clicked.
 const CLICK_PX = 6;
@@ -20,8 +20,12 @@ interface Shown {
   columns: readonly Column[];
   /// The quantity that is drawn across.
   quantity: PlotQuantity;
+  /// Its values, NaN where none was measured.
+  values: readonly number[];
   full: View;
 }
+
+const NONE: ReadonlySet<number> = new Set();
 
 export interface PlotEvents {
   /// The user picked a level; -1 for none.
@@ -34,6 +38,7 @@ export class PlotView {
   private shown: Shown | null = null;
   private view: View = { across: [0, 1], depth: [0, 1] };
   private invalid: readonly number[] = [];
+  private over: readonly number[] = [];
   private selected = -1;
   private hovered = -1;
   private plot: ProfilePlot | null = null;
@@ -71,9 +76,11 @@ export class PlotView {
 
   /// Shows a profile whole, no level invalid or selected.
   show(profile: Profile, columns: readonly Column[], quantity: PlotQuantity): void {
-    const full = viewOf(profile.lists[quantity.key], profile.lists.svp_Depth);
-    this.shown = { profile, columns, quantity, full };
+    const values = shownValues(profile, quantity.key);
+    const full = viewOf(values, profile.lists.svp_Depth);
+    this.shown = { profile, columns, quantity, values, full };
     this.invalid = [];
+    this.over = [];
     this.selected = this.hovered = -1;
     this.setView(full);
   }
@@ -82,14 +89,21 @@ export class PlotView {
   showQuantity(quantity: PlotQuantity): void {
     if (!this.shown) return;
     const { profile, full: before } = this.shown;
-    const full = viewOf(profile.lists[quantity.key], profile.lists.svp_Depth);
+    const values = shownValues(profile, quantity.key);
+    const full = viewOf(values, profile.lists.svp_Depth);
     const isWhole = same(this.view.depth, before.depth);
-    this.shown = { ...this.shown, quantity, full };
+    this.shown = { ...this.shown, quantity, values, full };
     this.setView(isWhole ? full : { across: full.across, depth: this.view.depth });
   }
 
   markInvalid(levels: readonly number[]): void {
     this.invalid = levels;
+    this.draw();
+  }
+
+  /// Lays a line through these levels over the profile; none takes it away.
+  showOver(levels: readonly number[]): void {
+    this.over = levels;
     this.draw();
   }
 
@@ -116,8 +130,8 @@ export class PlotView {
   fitValid(): void {
     if (!this.shown) return;
     const invalid = new Set(this.invalid);
-    const { profile: { lists }, quantity } = this.shown;
-    this.setView(viewOf(lists[quantity.key], lists.svp_Depth, (level) => !invalid.has(level)));
+    const { profile: { lists }, values } = this.shown;
+    this.setView(viewOf(values, lists.svp_Depth, (level) => !invalid.has(level)));
   }
 
   focus(): void {
@@ -136,10 +150,12 @@ export class PlotView {
     const height = host.clientHeight;
     if (!shown || width === 0 || height === 0) return;
     this.plot = profilePlot({
-      values: shown.profile.lists[shown.quantity.key],
+      values: shown.values,
       label: shown.quantity.label,
       depths: shown.profile.lists.svp_Depth,
       invalid: this.invalid,
+      joined: shown.profile.joined ?? NONE,
+      over: this.over,
       view: this.view,
       width,
       height,
@@ -174,6 +190,7 @@ export class PlotView {
     const bad = this.invalid.includes(hovered);
     const title = make("div", "tip-title", `Level ${hovered + 1}`);
     if (bad) title.append(make("span", "tip-invalid", "invalid"));
+    else if (isJoined(shown.profile, hovered)) title.append(make("span", "tip-joined", "joined"));
     tip.replaceChildren(title, ...lines);
     // Beside the level, on the side that has room.
     const right = at.x + 16 + tip.offsetWidth < plot.area.right;
@@ -185,9 +202,7 @@ export class PlotView {
 
   private valuesOf(level: number): { value: number; depth: number } {
     const { shown } = this;
-    const lists = shown?.profile.lists;
-    const value = shown ? lists?.[shown.quantity.key][level] : NaN;
-    return { value: value ?? NaN, depth: lists?.svp_Depth[level] ?? NaN };
+    return { value: shown?.values[level] ?? NaN, depth: shown?.profile.lists.svp_Depth[level] ?? NaN };
   }
 
   /// Where a level is drawn, or null when it is out of view.
@@ -215,7 +230,7 @@ export class PlotView {
   private levelNear(x: number, y: number): number {
     const { plot, shown } = this;
     if (!plot || !shown) return -1;
-    const { svp_Depth, [shown.quantity.key]: values } = shown.profile.lists;
+    const { values, profile: { lists: { svp_Depth } } } = shown;
     let nearest = -1;
     let least = REACH_PX * REACH_PX;
     svp_Depth.forEach((depth, level) => {
@@ -319,7 +334,9 @@ export class PlotView {
     if (to !== undefined) this.events.select(Math.min(Math.max(to, 0), last));
     else if (event.key === "+" || event.key === "=") this.zoomBy(1 / KEY_ZOOM);
     else if (event.key === "-") this.zoomBy(KEY_ZOOM);
-    else if (event.key === "Escape") this.escape();
+    // With nothing to be left, the key is that of the dialog which the plot may stand in.
+    else if (event.key === "Escape" && (this.dragFrom || this.selected >= 0)) this.escape();
+    else if (event.key === "0") this.reset();
     else return;
     event.preventDefault();
     event.stopPropagation();

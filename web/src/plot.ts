@@ -20,6 +20,10 @@ export interface ProfilePlotOptions {
   depths: readonly number[];
   /// Indices of invalid levels, ascending.
   invalid: readonly number[];
+  /// Levels that were not measured but joined.
+  joined: ReadonlySet<number>;
+  /// Indices of the levels that a line laid over the profile runs through, ascending; none for none.
+  over: readonly number[];
   view: View;
   /// Size of the drawing in CSS pixels.
   width: number;
@@ -55,10 +59,10 @@ export function viewOf(
 
 /// A quantity against depth, depth downward. Levels are circles of class "level-point", invalid
 /// ones crosses of class "level-invalid" besides, or arrows of class "invalid-beyond" at the edge
-/// beyond which their value lies; the line through the levels is thinned to what
-/// the pixels can show.
+/// beyond which their value lies. Joined levels are diamonds of class "level-joined" besides, with
+/// a line of their own; a line laid over has squares. Lines are thinned to what the pixels can show.
 export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
-  const { values, label, depths, invalid, view, width, height } = options;
+  const { values, label, depths, invalid, joined, over, view, width, height } = options;
   const area = {
     left: MARGIN.left,
     top: MARGIN.top,
@@ -72,17 +76,22 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
 
   const lowestRow = Math.floor(area.top) - 1;
   const highestRow = Math.ceil(area.bottom) + 1;
-  const line = thinLine(values, (i) => {
+  const rowOf = (i: number) => {
     const row = Math.round(toY(depths[i] ?? NaN));
     return Math.min(Math.max(row, lowestRow), highestRow);
-  });
+  };
+  const line = split(thinLine(values, rowOf), joined);
+  const overLine = thinLine(over.map((i) => values[i] ?? NaN), (i) => rowOf(over[i] ?? -1)).map((i) => over[i] ?? -1);
 
   const inView = (i: number) => {
     const value = values[i] ?? NaN;
     const depth = depths[i] ?? NaN;
     return value >= low && value <= high && depth >= shallow && depth <= deep;
   };
-  const points = levelsInView(depths.length, inView);
+  const points = levelsInView(depths.length, (i) => inView(i) && !joined.has(i));
+  const joinedPoints = joined.size === 0 ? [] : levelsInView(depths.length, (i) => inView(i) && joined.has(i));
+  const overInView = over.filter(inView);
+  const overPoints = overInView.length > MOST_LEVEL_MARKS ? [] : overInView;
   const pixelOf = (i: number) => [toX(values[i] ?? NaN), toY(depths[i] ?? NaN)] as const;
   const thinned = (levels: number[]) =>
     levels.length > MOST_LEVEL_MARKS ? thinMarks(levels, pixelOf) : levels;
@@ -95,8 +104,8 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
   const lower = thinned(atDepth.filter((i) => (values[i] ?? NaN) < low));
   const higher = thinned(atDepth.filter((i) => (values[i] ?? NaN) > high));
 
-  const x = (i: number) => values[i];
-  const y = (i: number) => depths[i];
+  const x = (i: number) => values[i] ?? NaN;
+  const y = (i: number) => depths[i] ?? NaN;
   const svg = Plot.plot({
     className: "profile-plot",
     width: Math.max(width, MARGIN.left + MARGIN.right + 20),
@@ -129,8 +138,12 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
         ticks: tickCount(area.bottom - area.top, 48),
         tickFormat: plainNumber,
       }),
-      Plot.line(line, { className: "trace", x, y, clip: true, strokeWidth: 1.5 }),
+      Plot.line(line.measured, { className: "trace", x, y, clip: true, strokeWidth: 1.5 }),
+      Plot.line(line.joined, { className: "trace-joined", x, y, clip: true, strokeWidth: 1.7 }),
       Plot.dot(points, { className: "level-points", x, y, r: pointRadius(points.length), clip: true }),
+      Plot.dot(joinedPoints, { className: "joined-levels", x, y, r: 3.6, symbol: "diamond2", clip: true }),
+      Plot.line(overLine, { className: "trace-over", x, y, clip: true, strokeWidth: 1.7 }),
+      Plot.dot(overPoints, { className: "over-levels", x, y, r: 3.4, symbol: "square2", clip: true }),
       Plot.dot(crosses, { className: "invalid-levels", x, y, r: 5, symbol: "times", clip: true }),
       Plot.text(lower, { className: "invalid-beyond", x: low, y, text: () => "◂", dx: 8 }),
       Plot.text(higher, { className: "invalid-beyond", x: high, y, text: () => "▸", dx: -8 }),
@@ -141,6 +154,7 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
   // page's style sheet has what is needed of it.
   for (const style of svg.querySelectorAll("style")) style.remove();
   for (const mark of svg.querySelectorAll(".level-points circle")) mark.classList.add("level-point");
+  for (const mark of svg.querySelectorAll(".joined-levels path")) mark.classList.add("level-point", "level-joined");
   for (const mark of svg.querySelectorAll(".invalid-levels path")) mark.classList.add("level-invalid");
 
   return {
@@ -151,6 +165,21 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
     fromX: linear(area.left, area.right, low, high),
     fromY: linear(area.top, area.bottom, shallow, deep),
   };
+}
+
+/// The pieces of a line, given by its corners, that run between measured levels, and those that lead
+/// to a joined one; -1 stands where a piece ends.
+function split(line: number[], joined: ReadonlySet<number>): { measured: number[]; joined: number[] } {
+  if (joined.size === 0) return { measured: line, joined: [] };
+  const pieces = { measured: [] as number[], joined: [] as number[] };
+  line.forEach((level, i) => {
+    const before = line[i - 1];
+    if (before === undefined) return;
+    const piece = joined.has(level) || joined.has(before) ? pieces.joined : pieces.measured;
+    if (piece[piece.length - 1] !== before) piece.push(-1, before);
+    piece.push(level);
+  });
+  return pieces;
 }
 
 /// The levels in view, or none when there are too many to be marked one by one.

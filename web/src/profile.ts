@@ -8,6 +8,8 @@ export interface Profile {
   lists: Record<ListKey, readonly number[]>;
   /// Number of levels.
   count: number;
+  /// Indices of the levels that an extension has joined; absent where all were measured.
+  joined?: ReadonlySet<number>;
 }
 
 /// The profile that an Open reply carries. Levels are counted by the longer of the two lists that
@@ -23,6 +25,11 @@ export function profileOf(packet: Packet): Profile {
     if (typeof value === "string" || typeof value === "number") header[key] = value;
   }
   return { filename: packet.filename ?? "", header, lists, count };
+}
+
+/// Whether nothing but an extension stands behind a level.
+export function isJoined({ joined }: Profile, level: number): boolean {
+  return joined?.has(level) ?? false;
 }
 
 /// Whether two profiles come from the same file and hold the same levels.
@@ -41,7 +48,8 @@ export function sameFile(a: string, b: string): boolean {
   return baseName(a) === baseName(b);
 }
 
-function baseName(path: string): string {
+/// The name behind a path.
+export function baseName(path: string): string {
   return path.slice(Math.max(path.lastIndexOf("/"), path.lastIndexOf("\\")) + 1);
 }
 

@@ -49,12 +49,17 @@ export function saveDatagramBody(
   identifier: string,
   occasion: Occasion,
 ): string {
-  return block([
-    valueLists(profile.lists),
-    textPiece(name),
-    identifier,
-    ...datagramPieces(profile, occasion),
-  ]);
+  return block(datagramFormPieces(profile, name, identifier, occasion));
+}
+
+/// The 15 pieces by which a profile is saved as a datagram, or thinned. None of them is empty.
+export function datagramFormPieces(
+  profile: Profile,
+  name: string,
+  kind: string,
+  occasion: Occasion,
+): string[] {
+  return [valueLists(profile.lists), textPiece(name), kind, ...datagramPieces(profile, occasion)];
 }
 
 /// Body of a request that saves a profile as an `.asvp` file named `name`, in 15 pieces.

@@ -21,6 +21,12 @@ export const Action = {
   filters: "GetAllFilters",
   saveFilter: "SaveFilter",
   deleteFilter: "DeleteFilter",
+  extendDefault: "ExtendDefault",
+  extendTempSal: "ExtendTempSal",
+  extendFile: "ExtendWithFile",
+  /// The engine spells it so.
+  extensionName: "SelectExtentionFile",
+  thin: "Thin",
   alert: "SVPAlert",
 } as const;
 export type Action = (typeof Action)[keyof typeof Action];
@@ -69,18 +75,22 @@ export interface Packet extends Header, Partial<Record<ListKey, unknown>> {
   filename?: string;
   /// Alert: the text to show.
   alert?: string;
-  /// Check: sound speeds (m/s) and depths (m) of the invalid samples, in sample order.
+  /// Check: sound speeds (m/s) and depths (m) of the invalid samples, in sample order. Extend: those
+  /// of the extended profile.
   svpX?: unknown;
   svpY?: unknown;
   /// Check: the verdict, its lines separated by line feeds.
   tofix?: string;
-  /// Send: the file's name as it was sent, and "S" with the datagram's content identifier.
+  /// Send: the file's name as it was sent, and "S" with the datagram's content identifier. Thin: the
+  /// name of the file written.
   file?: string;
   svptype?: string;
-  /// Save: full path of the file written.
+  /// Save, Thin: full path of the file written.
   fullname?: string;
   /// Filters: the rows of the user's table, with "|" between them.
   filters?: string;
+  /// Name under which an extension file is to be handed in.
+  extentionfile?: string;
 }
 
 /// Values of one profile as the request block wants them.

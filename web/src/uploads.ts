@@ -1,6 +1,6 @@
 /// Files of the user's on their way to the engine: one after the other, each opened as it arrives.
 import type { Upload } from "./engine";
-import { lengthFault, uploadName } from "./file-names";
+import { isOwnName, lengthFault, uploadName } from "./file-names";
 import { formatSize } from "./format";
 import { isAboutFilter, uploadFailedText, uploadedText } from "./open-words";
 import type { PostAnswer } from "./post-file";
@@ -87,6 +87,12 @@ export class Uploads {
     // A file without content would be taken for a request to open one that is there already.
     if (file.size === 0) {
       return `${file.name} is empty (0 bytes). Look whether it was copied whole; nothing was stored.`;
+    }
+    if (isOwnName(name)) {
+      return (
+        `${file.name} was not handed in: the page uses this name itself. Give the file another one, ` +
+        "or choose it in Extend… when it is an extension file."
+      );
     }
     if (lengthFault(name)) {
       return `${file.name} could not be handed in. Its name is too long. Give the file a shorter one.`;

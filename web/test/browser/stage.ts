@@ -1,7 +1,8 @@
 /// What every browser test stands on: a host, a browser, and pages that are watched for trouble.
 import assert from "node:assert/strict";
+import { join } from "node:path";
 import { after, afterEach, before } from "node:test";
-import { chromium, type Browser, type BrowserContext, type Page } from "playwright-core";
+import { chromium, type Browser, type BrowserContext, type Locator, type Page } from "playwright-core";
 import { Host, type FileLevel } from "./host";
 
 const CHROMIUM = process.env["SVP_CHROMIUM"] ?? "/usr/bin/chromium";
@@ -141,6 +142,26 @@ export async function check(page: Page): Promise<void> {
 export async function invalidRows(page: Page): Promise<number[]> {
   const rows = await page.locator(".tabulator-row.invalid").all();
   return Promise.all(rows.map(async (row) => Number(await row.getAttribute("data-level"))));
+}
+
+/// A notice to the user, and a failure or an alert.
+export const told = (page: Page, text: string | RegExp): Locator =>
+  page.locator("#messages [role=status]").filter({ hasText: text });
+export const failed = (page: Page, text: string | RegExp): Locator =>
+  page.locator("#messages [role=alert]").filter({ hasText: text });
+
+/// Fails when a part of the page reaches beyond the window.
+export async function assertInside(page: Page, part: Locator): Promise<void> {
+  const box = await part.boundingBox();
+  const { width, height } = page.viewportSize() ?? { width: 0, height: 0 };
+  const isInside = box && box.x >= 0 && box.y >= 0 && box.x + box.width <= width && box.y + box.height <= height;
+  assert.ok(isInside, JSON.stringify(box));
+}
+
+/// Keeps a picture for looking at, where a folder for it is named.
+export async function picture(page: Page, name: string): Promise<void> {
+  const folder = process.env["SVP_PICTURES"];
+  if (folder) await page.screenshot({ path: join(folder, `${name}.png`) });
 }
 
 /// Levels of a quiet sea: warm above a thermocline, then slowly faster with pressure.

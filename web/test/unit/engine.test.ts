@@ -232,3 +232,15 @@ test("an uploaded file is not shown over a cast that was asked for since", async
   wait(30_001);
   assert.equal(await never, null, "and nobody waits for it for ever");
 });
+
+test("a file that a page has written for itself is opened by nobody", () => {
+  const { around, engine, told } = page();
+  around.socket.receive(cast("svp-preview_thinned.asvp"));
+  around.socket.receive(cast("extentionfile.asvp"));
+  assert.deepEqual(told, []);
+  engine.open("a.asvp");
+  around.socket.receive(cast("svp-preview_thinned.asvp"));
+  assert.equal(engine.opening, "a.asvp");
+  around.socket.receive(cast("a.asvp"));
+  assert.deepEqual(told, ["opened a.asvp"]);
+});

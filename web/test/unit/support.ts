@@ -1,5 +1,6 @@
 /// A socket and a clock that tests drive by hand.
 import type { Socket, Surroundings } from "../../src/connection";
+import type { Profile } from "../../src/profile";
 
 export class FakeSocket implements Socket {
   sent: string[] = [];
@@ -57,4 +58,25 @@ export class FakeSurroundings implements Surroundings {
     if (!last) throw new Error("no socket was opened");
     return last;
   }
+}
+
+/// A profile with all lists, of a kind that an `.asvp` file gives unless more is stated.
+export function profileWith(
+  depths: readonly number[],
+  speeds: readonly number[],
+  more: Partial<Omit<Profile, "lists">> & { lists?: Partial<Profile["lists"]> } = {},
+): Profile {
+  const zeros = depths.map(() => 0);
+  const lists = {
+    svp_Speed: speeds,
+    svp_Depth: depths,
+    svp_Depth_CTD: depths,
+    svp_Speed_CTD: speeds,
+    svp_Temp: zeros,
+    svp_Sal: zeros,
+    svp_AbsCoef: zeros,
+    ...more.lists,
+  };
+  const header = { hsvp_filetype: "SoundVelocity", hsvp_fileversion: "1.0" };
+  return { filename: "cast.asvp", header, count: depths.length, ...more, lists };
 }
