@@ -79,6 +79,16 @@ class CSVP_WebInterface : public WebInterface
     /// request has the wrong number of pieces, else left as it is.
     bool QuickCheck(QString& message, const QString& body);
 
+    /// How far apart two profiles lead their rays: depths (m) and sound speeds (m/s), index for
+    /// index. Only their valid samples are looked at, so that a profile that needs a fix can be
+    /// compared as well. For each horizontal range of `raytrace::ranges` a key "err10"…"err10000"
+    /// with a pair of texts for each of `raytrace::launchAngles`: the depths at which the two rays
+    /// first reach that range, two decimals, "nan" for one that does not; then "result"
+    /// "SUCCESS". "FAILURE" with "Cannot calculate differences." when a profile has fewer than two
+    /// valid samples, or with "Memory allocation error". Empties the working buffers.
+    QJsonObject makeJsonCompareSVP(const QVector<float>& depth1, const QVector<float>& speed1,
+                                   const QVector<float>& depth2, const QVector<float>& speed2);
+
     /// Verifies and converts a datagram, see `datagram::calcS00`. When a rule fails, the result is
     /// empty, its report message is appended to the pending alerts, and the profile converted
     /// before stays the one that `getFromS00` reads.

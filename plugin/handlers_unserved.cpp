@@ -22,9 +22,3 @@ void CSVP_WebInterface::handleFixProfile(const QString& body)
     Q_UNUSED(body)
     send(unserved(action::fix, "Fixing a profile"));
 }
-
-void CSVP_WebInterface::handleShowRaypath(const QString& body)
-{
-    Q_UNUSED(body)
-    send(unserved(action::rayPath, "Tracing a ray path"));
-}

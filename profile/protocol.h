@@ -57,6 +57,12 @@ constexpr QLatin1String fullName = word("fullname");
 constexpr QLatin1String toFix = word("tofix");
 constexpr QLatin1String filters = word("filters");
 constexpr QLatin1String extensionFile = word("extentionfile");
+constexpr QLatin1String firstPathX = word("svp1X");
+constexpr QLatin1String firstPathY = word("svp1Y");
+constexpr QLatin1String secondPathX = word("svp2X");
+constexpr QLatin1String secondPathY = word("svp2Y");
+/// Followed by a horizontal range in whole metres.
+constexpr QLatin1String differencesAt = word("err");
 } // namespace reply
 
 /// Keys of the seven arrays of a profile, in the order of a sample record's slots.

@@ -25,6 +25,17 @@ class PieceTexts
     int m_first;
 };
 
+SampleLists sampleLists(const QStringRef& speeds, const QStringRef& depths)
+{
+    SampleLists lists;
+    lists.speed = parseNumbers(speeds, Qt::SkipEmptyParts);
+    lists.depth = parseNumbers(depths, Qt::SkipEmptyParts);
+    const int samples = std::min(lists.speed.size(), lists.depth.size());
+    lists.speed.resize(samples);
+    lists.depth.resize(samples);
+    return lists;
+}
+
 } // namespace
 
 QString withoutBrackets(const QString& request)
@@ -46,14 +57,16 @@ float listNumber(const QStringRef& item)
     return isNumber && std::isfinite(value) ? value : 0.0F;
 }
 
-QVector<float> parseNumbers(const QStringRef& list)
+QVector<float> parseNumbers(const QStringRef& list, Qt::SplitBehavior empties)
 {
     QVector<float> values;
     values.reserve(int(list.count(QLatin1Char(','))) + 1);
     int start = 0;
     while (true) {
         const int end = list.indexOf(QLatin1Char(','), start);
-        values.append(listNumber(list.mid(start, end < 0 ? -1 : end - start)));
+        const QStringRef item = list.mid(start, end < 0 ? -1 : end - start);
+        if (!item.isEmpty() || empties == Qt::KeepEmptyParts)
+            values.append(listNumber(item));
         if (end < 0)
             return values;
         start = end + 1;
@@ -136,6 +149,16 @@ SendForm parseSendForm(const QVector<QStringRef>& pieces)
     form.profile = parseProfileForm(pieces, 1);
     form.profile.fileName = piece[1];
     form.profile.valueLists = piece.ref(2);
+    return form;
+}
+
+RayForm parseRayForm(const QVector<QStringRef>& pieces)
+{
+    const PieceTexts piece(pieces, 0);
+    RayForm form;
+    form.angle = listNumber(piece.ref(0));
+    form.first = sampleLists(piece.ref(1), piece.ref(2));
+    form.second = sampleLists(piece.ref(3), piece.ref(4));
     return form;
 }
 

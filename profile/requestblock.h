@@ -26,6 +26,9 @@ constexpr int shortSendPieces = 7;
 /// The text without any "[" and "]".
 QString withoutBrackets(const QString& request);
 
+/// Pieces of a ray path request.
+constexpr int rayPieces = 5;
+
 /// The pieces of a text between "*". Whether empty ones count is the rule of each action.
 QVector<QStringRef> splitPieces(const QString& block, Qt::SplitBehavior empties);
 
@@ -33,8 +36,9 @@ QVector<QStringRef> splitPieces(const QString& block, Qt::SplitBehavior empties)
 /// it allowed. What is no finite number (words, NaN, infinities, beyond the range) is 0.
 float listNumber(const QStringRef& item);
 
-/// The values of one list, empty items counted as 0. An empty text is one empty item.
-QVector<float> parseNumbers(const QStringRef& list);
+/// The values of one list, empty items counted as 0, or passed over with `Qt::SkipEmptyParts`. An
+/// empty text is one empty item.
+QVector<float> parseNumbers(const QStringRef& list, Qt::SplitBehavior empties = Qt::KeepEmptyParts);
 
 /// The seven value lists of a profile, in their order. A list that the text does not have is
 /// empty.
@@ -111,6 +115,25 @@ struct SendForm
 
 /// Reads the form from `pieces`. Pieces that are not there stay empty.
 SendForm parseSendForm(const QVector<QStringRef>& pieces);
+
+/// Sound speeds and depths, index for index, as many of each.
+struct SampleLists
+{
+    QVector<float> speed; ///< m/s
+    QVector<float> depth; ///< m, positive down
+};
+
+/// A request for the paths of one ray through two profiles.
+struct RayForm
+{
+    float angle = 0.0F; ///< degrees below the horizontal
+    SampleLists first;
+    SampleLists second;
+};
+
+/// Reads the form from `rayPieces` pieces. Empty items of the lists are passed over; of two lists
+/// of unequal length, what the longer one has beyond the shorter one makes no sample.
+RayForm parseRayForm(const QVector<QStringRef>& pieces);
 
 /// The form that saves an `.asvp` file. Texts as they stand in the request.
 struct AsvpSaveForm

@@ -29,7 +29,7 @@ TEST(HostileInput, TenMegabytesOfAnything)
          {QChar('*'), QChar(','), QChar(';'), QChar('['), QChar('='), QChar('9'), QChar(0)}) {
         const QString body(size, filler);
         for (const char* action : {"CheckProfile", "SVP_OpenSVP", "SVPAlert", "SendSVPtoQRV",
-                                   "SVP_Save", "SVP_SaveAs", "RVT300"}) {
+                                   "SVP_Save", "SVP_SaveAs", "RVT300", "ShowRaypath"}) {
             engine.request(QLatin1String(action), body);
             EXPECT_EQ(engine.packets().size(), 1) << action << filler.unicode();
         }
@@ -63,6 +63,28 @@ TEST(HostileInput, AHundredThousandLevels)
                        checkBody(speeds.join(QLatin1Char(',')), depths.join(QLatin1Char(','))));
     EXPECT_EQ(checked.value(QLatin1String("tofix")).toString(),
               QLatin1String("Existing profile depths and sound speeds are valid."));
+}
+
+TEST(HostileInput, RaysThroughAHundredThousandLevels)
+{
+    Engine engine;
+    QStringList depths;
+    QStringList speeds;
+    for (int i = 0; i < 100000; ++i) {
+        depths.append(QString::number(i * 0.12, 'f', 2));
+        speeds.append(i % 2 == 0 ? QStringLiteral("1700") : QStringLiteral("1400"));
+    }
+    const QString profile = QLatin1Char('*') + speeds.join(QLatin1Char(',')) + QLatin1Char('*') +
+                            depths.join(QLatin1Char(','));
+    for (const char* angle : {"0", "1e-30", "0.1", "20", "89", "90"}) {
+        const QJsonObject reply =
+            engine.request(QStringLiteral("ShowRaypath"), QLatin1String(angle) + profile + profile);
+        EXPECT_EQ(outcome(reply), QLatin1String("SUCCESS"));
+        const int points = reply.value(QLatin1String("svp1X")).toArray().size();
+        EXPECT_GT(points, 1) << angle;
+        EXPECT_LE(points, 2 * 100000 + 100000) << angle;
+    }
+    expectServing(engine);
 }
 
 TEST(HostileInput, ZeroBytesAndLoneSurrogates)

@@ -106,3 +106,18 @@ TEST(RequestBlock, TheSaveFormLeavesTheHemisphereLettersOut)
     EXPECT_EQ(form.source, QLatin1String("13"));
     EXPECT_EQ(form.history, QLatin1String("14"));
 }
+
+TEST(RayForm, PairsSpeedsAndDepthsAndPassesOverEmptyItems)
+{
+    const QString block = QStringLiteral("45.5*1500,,1501,1502*0,10,,*1490*5,6");
+    const profile::RayForm form =
+        profile::parseRayForm(profile::splitPieces(block, Qt::SkipEmptyParts));
+    EXPECT_EQ(form.angle, 45.5F);
+    EXPECT_EQ(form.first.speed, (QVector<float>{1500, 1501}));
+    EXPECT_EQ(form.first.depth, (QVector<float>{0, 10}));
+    EXPECT_EQ(form.second.speed, (QVector<float>{1490}));
+    EXPECT_EQ(form.second.depth, (QVector<float>{5}));
+    const profile::RayForm none = profile::parseRayForm({});
+    EXPECT_TRUE(none.first.speed.isEmpty());
+    EXPECT_TRUE(none.second.depth.isEmpty());
+}
