@@ -4,6 +4,7 @@
 #include "datagram/saverequest.h"
 #include "processing/check.h"
 #include "profile/protocol.h"
+#include "seawater/pressure.h"
 
 #include <algorithm>
 #include <iterator>
@@ -52,6 +53,53 @@ QString thinRefusal(const ThinRequest& request)
     if (request.isAsvp && (depths.constFirst() != surface || depths.constLast() != fullDepth))
         return QStringLiteral("Profile not extended.");
     return {};
+}
+
+QString fixRefusal(const ThinRequest& request)
+{
+    const int count = request.lists.depth.size();
+    const int speeds = request.lists.speed.size();
+    if (request.isAsvp)
+        return speeds < leastAsvpSpeeds || speeds != count ? QStringLiteral("Invalid svp.")
+                                                           : QString();
+    bool isNumber = false;
+    if (request.form.statedSamples.toInt(&isNumber) != count || !isNumber)
+        return QStringLiteral("Stated sample count mismatch.");
+    if (count < leastSamples || !haveEqualLengths(request.lists, false))
+        return QStringLiteral("Sample count mismatch or too small.");
+    return {};
+}
+
+bool hasPressureColumn(const ThinRequest& request)
+{
+    return !request.isAsvp && legalIdentifier(request.form.kind).firstIsPressure;
+}
+
+void continueLists(profile::ValueLists& lists, const raytrace::Layers& samples,
+                   std::optional<double> pressureLatitude)
+{
+    constexpr double megapascals = 0.01; // of a decibar
+    const auto repeatLast = [](QVector<float>& values) {
+        if (!values.isEmpty())
+            values.append(values.constLast());
+    };
+    const bool hasProbeDepth = !lists.probeDepth.isEmpty();
+    const bool hasProbeSpeed = !lists.probeSpeed.isEmpty();
+    for (auto row = std::size_t(lists.depth.size()); row < samples.size(); ++row) {
+        const raytrace::LayerRecord& sample = samples[row];
+        lists.depth.append(float(sample.d));
+        lists.speed.append(float(sample.c));
+        if (hasProbeDepth)
+            lists.probeDepth.append(
+                float(pressureLatitude
+                          ? seawater::depthToPressure(*pressureLatitude, sample.d) * megapascals
+                          : sample.d));
+        if (hasProbeSpeed)
+            lists.probeSpeed.append(float(sample.c));
+        repeatLast(lists.temperature);
+        repeatLast(lists.salinity);
+        repeatLast(lists.absorption);
+    }
 }
 
 bool haveEqualLengths(const profile::ValueLists& lists, bool isAsvp)

@@ -3,12 +3,14 @@
 #include "datagram/sspdatagram.h"
 #include "profile/asvpfile.h"
 #include "profile/requestblock.h"
+#include "raytrace/layers.h"
 
 #include <QString>
 #include <QStringRef>
 #include <QVector>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 /// The request to thin or fix a profile: read, judged, and made into what is to be written.
@@ -34,6 +36,25 @@ QString kindRefusal(const ThinRequest& request);
 /// "Depths not sorted."; in the `.asvp` kind "Profile not extended." unless it goes from exactly
 /// 0 m to exactly 12000 m. Empty when they can.
 QString thinRefusal(const ThinRequest& request);
+
+/// Why the samples of a request cannot be fixed. In a datagram's kind, in the order of the tests:
+/// "Stated sample count mismatch." unless the form states as many samples as there are depths;
+/// "Sample count mismatch or too small." for lists of unequal length and for fewer than 3 samples.
+/// In the `.asvp` kind "Invalid svp." for fewer than 6 speeds and for unequal counts. Empty when
+/// they can.
+QString fixRefusal(const ThinRequest& request);
+
+/// Whether the first column of a kind's rows is a pressure: the content identifiers 4, 5, 7, 14,
+/// 40 to 43 and 50 to 53.
+bool hasPressureColumn(const ThinRequest& request);
+
+/// Continues the lists of a cleaned profile by the rows that were joined below it: those of
+/// `samples` beyond the lists' own. A row's probe speed is its speed; its probe depth is its depth,
+/// or with `pressureLatitude` (decimal degrees) the pressure there in megapascals, the unit of such
+/// a column; temperature, salinity and absorption stay as in the last measured sample. A
+/// list without any value stays so.
+void continueLists(profile::ValueLists& lists, const raytrace::Layers& samples,
+                   std::optional<double> pressureLatitude);
 
 /// Whether each further list has as many values as there are depths. In the `.asvp` kind, which
 /// does not write them, a list may be missing.

@@ -3,6 +3,7 @@
 #include "datagram/conversion.h"
 #include "datagram/thinrequest.h"
 #include "plugin/webinterface.h"
+#include "processing/atlas.h"
 #include "processing/svpmodel.h"
 #include "profile/decimalcounts.h"
 #include "profile/openprofile.h"
@@ -166,6 +167,8 @@ class CSVP_WebInterface : public WebInterface
     void answerExtended(QLatin1String whoami);
     QString writeProfile(const datagram::ThinRequest& request, const profile::ValueLists& lists,
                          const QString& ending, QString& path);
+    QString extendForFix(const datagram::ThinRequest& request, bool fromAtlas,
+                         const QString& salinityFile, const QString& temperatureFile);
     void answerPairList(QLatin1String whoami, const QString& body, const QString& done);
 
     void handleOpenRequest(const QString& body);
@@ -207,5 +210,6 @@ class CSVP_WebInterface : public WebInterface
     datagram::ConvertedProfile convertedProfile;
     std::string reportText; // last formatted report message
     processing::CSVPModel model;
+    processing::WorldOceanAtlas atlas; // keeps the files that it has read
     QUdpSocket* udpSocket = nullptr;
 };

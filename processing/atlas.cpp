@@ -194,7 +194,8 @@ QString fnGeneratWOAExtFile(WorldOceanAtlas& atlas, double latitude, double long
                             const std::function<ExtensionRows(double lastDepth)>& extensionRows,
                             const QString& folder)
 {
-    if (atlas.read(salinityPath, temperaturePath) != WorldOceanAtlas::Read::Both)
+    if (folder.isEmpty() ||
+        atlas.read(salinityPath, temperaturePath) != WorldOceanAtlas::Read::Both)
         return {};
     AtlasProfile profile = atlas.woaProfile(latitude, longitude);
     if (profile.depths.isEmpty())

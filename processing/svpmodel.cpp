@@ -12,6 +12,21 @@ int CSVPModel::markValidSamples()
     return samples.empty() ? -1 : 0;
 }
 
+std::vector<std::int32_t> CSVPModel::keepValid()
+{
+    markValidSamples();
+    std::vector<std::int32_t> valid;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (marks[i] != 0) {
+            samples[valid.size()] = samples[i];
+            valid.push_back(std::int32_t(i));
+        }
+    }
+    samples.resize(valid.size());
+    raytrace::computeGradients(samples);
+    return valid;
+}
+
 void CSVPModel::genExtensionData(const QString& path)
 {
     extension = processing::genExtensionData(path, samples);

@@ -27,6 +27,9 @@ class CSVPModel
     /// `validSampleMarks`. Returns -1, leaving no marks, when there are no samples, else 0.
     int markValidSamples();
 
+    /// Drops the samples that are not valid and gives the indices, ascending, of those that stay.
+    std::vector<std::int32_t> keepValid();
+
     /// Fills `extension` from the file `path`, see `processing::genExtensionData`.
     void genExtensionData(const QString& path);
 

@@ -50,17 +50,6 @@ TEST(Dispatch, EveryActionAnswersUnderItsName)
     }
 }
 
-TEST(Dispatch, WhatIsNotServedSaysSo)
-{
-    Engine engine;
-    for (const char* action : {"FixProfile"}) {
-        EXPECT_TRUE(
-            outcome(engine.request(QLatin1String(action)))
-                .endsWith(QLatin1String(" is not available in this version of the engine.")))
-            << action;
-    }
-}
-
 TEST(Dispatch, TheMessageIsCutAtItsFirstTwoCommas)
 {
     Engine engine;
