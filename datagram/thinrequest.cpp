@@ -7,7 +7,6 @@
 #include "seawater/pressure.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace datagram {
 
@@ -26,8 +25,7 @@ ThinRequest parseThinRequest(const QVector<QStringRef>& pieces)
     request.form = profile::parseProfileForm(pieces);
     request.lists = profile::parseValueLists(request.form.valueLists);
     request.isAsvp = request.form.kind.contains(protocol::soundVelocity);
-    if (request.isAsvp)
-        profile::dropListsWithoutText(request.form.valueLists, request.lists);
+    profile::dropListsWithoutText(request.form.valueLists, request.lists);
     return request;
 }
 
@@ -65,7 +63,7 @@ QString fixRefusal(const ThinRequest& request)
     bool isNumber = false;
     if (request.form.statedSamples.toInt(&isNumber) != count || !isNumber)
         return QStringLiteral("Stated sample count mismatch.");
-    if (count < leastSamples || !haveEqualLengths(request.lists, false))
+    if (count < leastSamples || !haveEqualLengths(request.lists, request))
         return QStringLiteral("Sample count mismatch or too small.");
     return {};
 }
@@ -102,15 +100,18 @@ void continueLists(profile::ValueLists& lists, const raytrace::Layers& samples,
     }
 }
 
-bool haveEqualLengths(const profile::ValueLists& lists, bool isAsvp)
+bool haveEqualLengths(const profile::ValueLists& lists, const ThinRequest& request)
 {
-    const int count = lists.depth.size();
-    return lists.speed.size() == count &&
-           std::all_of(std::begin(profile::furtherLists), std::end(profile::furtherLists),
-                       [&](const auto list) {
-                           const int size = (lists.*list).size();
-                           return size == count || (isAsvp && size == 0);
-                       });
+    const ContentIdentifier kind =
+        request.isAsvp ? ContentIdentifier() : legalIdentifier(request.form.kind);
+    const auto isWhole = [count = lists.depth.size()](const QVector<float>& list, bool isWritten) {
+        return list.size() == count || (list.isEmpty() && !isWritten);
+    };
+    return isWhole(lists.speed, true) &&
+           isWhole(lists.probeDepth, kind.first == FirstColumn::Alternative) &&
+           isWhole(lists.probeSpeed, false) && isWhole(lists.temperature, kind.hasTemperature) &&
+           isWhole(lists.salinity, kind.hasSalinity) &&
+           isWhole(lists.absorption, kind.hasAbsorption);
 }
 
 DatagramParts datagramPartsOf(const profile::ProfileForm& form, const profile::ValueLists& lists)

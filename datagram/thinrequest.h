@@ -24,7 +24,7 @@ struct ThinRequest
     bool isAsvp = false; ///< of the kind "SoundVelocity", else a datagram's content identifier
 };
 
-/// Reads the form from `pieces`. In the `.asvp` kind a further list without text is no list.
+/// Reads the form from `pieces`. A further list without text is no list.
 ThinRequest parseThinRequest(const QVector<QStringRef>& pieces);
 
 /// "Unsupported SSP type S%1" with the number of the kind, or with its text where that is no
@@ -56,9 +56,9 @@ bool hasPressureColumn(const ThinRequest& request);
 void continueLists(profile::ValueLists& lists, const raytrace::Layers& samples,
                    std::optional<double> pressureLatitude);
 
-/// Whether each further list has as many values as there are depths. In the `.asvp` kind, which
-/// does not write them, a list may be missing.
-bool haveEqualLengths(const profile::ValueLists& lists, bool isAsvp);
+/// Whether each further list of `lists` has as many values as there are depths. A list that the
+/// kind of `request` does not write may be missing.
+bool haveEqualLengths(const profile::ValueLists& lists, const ThinRequest& request);
 
 /// What the datagram of these samples is made of; the header of `form` with the number of samples
 /// there are.

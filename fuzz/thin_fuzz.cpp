@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (kept.front() != 0 || std::size_t(kept.back()) + 1 != samples.size())
         std::abort();
     const profile::ValueLists thinned = profile::valuesAt(request.lists, kept);
-    if (!datagram::haveEqualLengths(thinned, request.isAsvp))
+    if (!datagram::haveEqualLengths(thinned, request))
         return 0;
     if (request.isAsvp) {
         profile::asvpText(thinned.depth, thinned.speed, datagram::asvpHeaderOf(request.form));

@@ -116,7 +116,7 @@ void CSVP_WebInterface::handleFixProfile(const QString& body)
     if (model.kept.size() < leastSamples)
         return refuse(QStringLiteral("Error thinning profile."));
     const profile::ValueLists fixed = profile::valuesAt(lists, model.kept);
-    if (!datagram::haveEqualLengths(fixed, request.isAsvp))
+    if (!datagram::haveEqualLengths(fixed, request))
         return refuse(QStringLiteral("Thinning error: element sizes are different"));
 
     QString path;

@@ -41,7 +41,7 @@ void CSVP_WebInterface::handleThin(const QString& body)
     if (model.kept.empty())
         return refuse(QStringLiteral("Thinning error"));
     const profile::ValueLists thinned = profile::valuesAt(lists, model.kept);
-    if (!datagram::haveEqualLengths(thinned, request.isAsvp))
+    if (!datagram::haveEqualLengths(thinned, request))
         return refuse(QStringLiteral("Thinning error: element sizes are different"));
 
     QString path;

@@ -203,7 +203,7 @@ QString fnGeneratWOAExtFile(WorldOceanAtlas& atlas, double latitude, double long
     const double lastDepth = double(profile.depths.constLast());
     if (extendWOA(profile, extensionRows ? extensionRows(lastDepth) : ExtensionRows()) == 0)
         return {};
-    const QString path = QStringLiteral("%1/%2").arg(folder, QStringLiteral("WOASVPExtension.txt"));
+    QString path = QStringLiteral("%1/%2").arg(folder, QStringLiteral("WOASVPExtension.txt"));
     if (!platform::makeFolder(folder) || !platform::replaceFile(path, woaExtensionText(profile)))
         return {};
     return path;

@@ -6,6 +6,7 @@
 #include "resources/resources.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace processing {
 
@@ -14,25 +15,49 @@ namespace {
 // A file that ends no deeper than this, m, does not reach full ocean depth.
 constexpr float usableExtensionDepth = 11990.0F;
 
+bool isSpace(char byte)
+{
+    return QChar(QLatin1Char(byte)).isSpace();
+}
+
+// Takes the next word off a line; empty when there is none.
+std::string_view takeWord(std::string_view& line)
+{
+    const auto begin = std::find_if_not(line.begin(), line.end(), isSpace);
+    const auto end = std::find_if(begin, line.end(), isSpace);
+    const std::string_view word =
+        line.substr(std::size_t(begin - line.begin()), std::size_t(end - begin));
+    line.remove_prefix(std::size_t(end - line.begin()));
+    return word;
+}
+
+float numberOf(std::string_view word)
+{
+    const QString text = QString::fromLatin1(word.data(), int(word.size()));
+    return profile::listNumber(QStringRef(&text));
+}
+
 } // namespace
 
 ExtensionRows parseExtensionRows(const QByteArray& text, RowRule rule)
 {
     ExtensionRows rows;
-    const QString decoded = QString::fromLatin1(text);
-    QVector<QStringRef> lines = decoded.splitRef(QLatin1Char('\n'));
-    lines.removeFirst();
-    for (const QStringRef& line : qAsConst(lines)) {
-        const QString words = line.toString().simplified();
-        const QVector<QStringRef> parts = words.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
-        if (parts.size() != 2)
+    const std::string_view bytes(text.constData(), std::size_t(text.size()));
+    std::size_t start = bytes.find('\n');
+    while (start != std::string_view::npos) {
+        const std::size_t end = bytes.find('\n', ++start);
+        std::string_view line = bytes.substr(start, end - start);
+        start = end;
+        const std::string_view depthWord = takeWord(line);
+        const std::string_view speedWord = takeWord(line);
+        if (speedWord.empty() || !takeWord(line).empty())
             continue;
-        const float depth = profile::listNumber(parts[0]);
+        const float depth = numberOf(depthWord);
         if (rule == RowRule::DeeperThanLast && !rows.depths.isEmpty() &&
             depth <= rows.depths.constLast())
             continue;
         rows.depths.append(depth);
-        rows.speeds.append(profile::listNumber(parts[1]));
+        rows.speeds.append(numberOf(speedWord));
     }
     return rows;
 }

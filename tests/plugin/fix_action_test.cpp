@@ -329,6 +329,8 @@ TEST(FixAction, RefusalsStandInTheirOrder)
         {changed(datagramFix(), 13, QStringLiteral("x")), stated},
         {lists(datagramFix(), "1500,1500,1500", "0,10,20;1,2,3;1,2,3;1,2,3;1,2,3;1,2", "3"),
          columns},
+        {changed(lists(datagramFix(), "1500,1500,1500", "0,10,20", "3"), 2, QStringLiteral("00")),
+         QStringLiteral("SUCCESS")},
         {lists(asvpFix(), "1,2,3,4,5", "1,2,3,4,5", "5"), invalid},
         {lists(asvpFix(), "1,2,3,4,5,6", "1,2,3,4,5", "5"), invalid},
         {lists(asvpFix(), "1500,2,3,4,5,6", "0,2,3,4,5,6", "77"),

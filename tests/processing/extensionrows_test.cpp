@@ -74,6 +74,13 @@ TEST(ExtensionRows, OnlyDeeperPairsAreTaken)
     EXPECT_EQ(rows.depths, (QVector<float>{10, 30}));
     EXPECT_EQ(rows.speeds, (QVector<float>{1500, 1504}));
     EXPECT_TRUE(processing::parseExtensionRows("").depths.isEmpty());
+    EXPECT_TRUE(processing::parseExtensionRows("10 1500").depths.isEmpty());
+    EXPECT_TRUE(processing::parseExtensionRows("//\n").depths.isEmpty());
+    // A no-break space is white space too.
+    EXPECT_EQ(processing::parseExtensionRows("//\n10\xa0"
+                                             "1500")
+                  .depths,
+              (QVector<float>{10}));
 }
 
 TEST(ExtensionRows, AllRowsAreTakenWhereTheRuleIsSo)

@@ -67,9 +67,9 @@ function extendReason({ count }: Profile, kind: ExtendWay["kind"], reason: strin
         : "The engine does not take its levels. Check the cast; then extend it again.";
     case "Failed to extend svp.":
       return (
-        "No sea near this temperature and salinity fits: its sound speed differs from that of the " +
-        "deepest level by 1.0 m/s or more. State what was measured at the deepest level, or extend " +
-        "with the default rows."
+        "No sea was found near this temperature and salinity whose sound speed comes within 1.0 m/s " +
+        "of the deepest level’s. State what was measured there, try one a little warmer or colder, " +
+        "or extend with the default rows."
       );
     case "Error extending.":
       return "The rows could not be joined. Try one of the other ways.";

@@ -6,6 +6,8 @@ export interface ExtensionRow {
   /// m and m/s, as the 32-bit floats that the engine reads; 0 for a word that is no number.
   depth: number;
   speed: number;
+  /// The line, where one of its words is no number.
+  unread?: string;
 }
 
 /// What a file lets expect: a fault keeps it from being handed in, remarks do not.
@@ -27,7 +29,8 @@ export function extensionRows(bytes: Uint8Array): ExtensionRow[] {
     const words = line.split(/[\s\u0085]+/).filter(Boolean);
     const [depth, speed] = words;
     if (words.length !== 2 || depth === undefined || speed === undefined) return [];
-    return [{ depth: floatOf(depth), speed: floatOf(speed) }];
+    const row: ExtensionRow = { depth: floatOf(depth), speed: floatOf(speed) };
+    return [isNumber(depth) && isNumber(speed) ? row : { ...row, unread: `${depth} ${speed}` }];
   });
 }
 
@@ -40,6 +43,13 @@ export function extensionFacts(rows: readonly ExtensionRow[], deepest: number): 
     return facts(
       `Behind its first line it has ${found} of a depth and a sound speed; at least 2 are needed. ` +
         "The first line is a comment and is not read.",
+    );
+  }
+  const unread = rows.find((row) => row.unread !== undefined)?.unread;
+  if (unread !== undefined) {
+    return facts(
+      `The row “${unread}” has a word that is no number and would be read as 0. ` +
+        "Numbers are written with a decimal point.",
     );
   }
   if (rows.some(({ depth }, i) => i > 0 && !(depth > first.depth))) {
@@ -80,7 +90,10 @@ function metres(depth: number): string {
   return `${formatValue(depth)} m`;
 }
 
+function isNumber(word: string): boolean {
+  return NUMBER.test(word) && Math.abs(Number(word)) <= LARGEST_FLOAT;
+}
+
 function floatOf(word: string): number {
-  const value = NUMBER.test(word) ? Number(word) : 0;
-  return Math.abs(value) <= LARGEST_FLOAT ? Math.fround(value) : 0;
+  return isNumber(word) ? Math.fround(Number(word)) : 0;
 }

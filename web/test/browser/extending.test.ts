@@ -129,9 +129,9 @@ describe("extending", () => {
     await dialog.getByText("below.asvp was not extended. At least 4 levels are needed; this cast has 3.").waitFor();
     await page.keyboard.press("Escape");
     await extendWarm("bay.asvp");
-    const status = dialog.getByRole("alert").filter({ hasText: "bay.asvp was not extended. No sea near this temperature and salinity fits" });
+    const status = dialog.getByRole("alert").filter({ hasText: "bay.asvp was not extended. No sea was found near this temperature and salinity" });
     await status.waitFor();
-    assert.match((await status.textContent()) ?? "", /deepest level by 1\.0 m\/s or more/);
+    assert.match((await status.textContent()) ?? "", /comes within 1\.0 m\/s of the deepest level/);
     await page.keyboard.press("Escape");
     await dialog.waitFor({ state: "hidden" });
     assert.equal((await levels(page)).depths.length, 4);

@@ -93,7 +93,7 @@ test("each failure of an extension says what to do", () => {
   assert.match(text("Invalid svp."), /At least 3 levels are needed; this cast has 2\./);
   assert.match(text("Invalid svp.", "water"), /At least 4 levels are needed/);
   assert.match(text("Invalid svp.", "file"), /does not take its levels/);
-  assert.match(text("Failed to extend svp.", "water"), /deepest level by 1\.0 m\/s or more/);
+  assert.match(text("Failed to extend svp.", "water"), /comes within 1\.0 m\/s of the deepest level/);
   assert.match(text("Error in file.", "file"), /at least 2 rows/);
   assert.match(text("Cannot open extention svp.", "file"), /cannot be read from the profile folder/);
   assert.match(text("Error saving file.", "file"), /disk has room/);

@@ -31,6 +31,14 @@ test("fewer than two rows, or a row not below the first, keep a file from being 
   assert.equal(facts([500, 12000]).fault, "");
 });
 
+test("a row that would be read as 0 keeps a file from being used", () => {
+  const fault = (text: string) => extensionFacts(extensionRows(Buffer.from(text, "latin1")), 100).fault;
+  assert.match(fault("c\n500,5 1480\n12000 1600"), /^The row “500,5 1480” has a word that is no number/);
+  assert.match(fault("c\n500 1e39\n12000 1600"), /would be read as 0/);
+  assert.equal(fault("c\n500 1480\n12000 1600"), "");
+  assert.equal(fault("c\n500 1480 x y\n600 1480\n12000 1600"), "", "lines of other words are no rows");
+});
+
 test("a file that steps back, ends early or adds nothing is remarked on, and may be used", () => {
   assert.deepEqual(facts([500, 12000]).remarks, []);
   const back = facts([500, 3000, 2000, 12000]);
