@@ -11,6 +11,7 @@
 
 #include <QFileInfo>
 
+#include <cmath>
 #include <optional>
 
 // The repair in one step: cleaned, continued to full ocean depth, thinned, written, compared.
@@ -38,19 +39,27 @@ AtlasSettings atlasSettings()
     const QString extendName = QStringLiteral("SVP_WOA_EXTEND");
     AtlasSettings result;
     settings::TokenStore tokens;
-    tokens.initialise();
+    bool isReadable = tokens.initialise();
+    if (!isReadable)
+        return result;
 
     qint64 isUsed = 0;
-    Status status = tokens.integerValue(extendName, isUsed);
+    const Status status = tokens.integerValue(extendName, isUsed);
+    settings::Token other; // a number with a fraction says yes as well
+    result.isUsed =
+        isUsed != 0 || (status == Status::WrongKind && tokens.tokenValue(extendName, other) == 0 &&
+                        other.value.toDouble() != 0.0);
+    isReadable = status != Status::Unreadable;
     if (status == Status::Absent)
-        tokens.addInteger(extendName, QStringLiteral("Use WOA for svp extentions"), 0, kept);
-    result.isUsed = isUsed != 0;
+        isReadable =
+            tokens.addInteger(extendName, QStringLiteral("Use WOA for svp extentions"), 0, kept);
     const auto text = [&](const QString& name, const QString& description, QString& value) {
-        if (status == Status::Unreadable)
+        if (!isReadable)
             return;
-        status = tokens.textValue(name, value);
-        if (status == Status::Absent)
-            tokens.addText(name, description, QString(), kept);
+        const Status found = tokens.textValue(name, value);
+        isReadable = found != Status::Unreadable;
+        if (found == Status::Absent)
+            isReadable = tokens.addText(name, description, QString(), kept);
     };
     text(QStringLiteral("SVP_WOA_FILE_S"), QStringLiteral("WOA database Salinity file"),
          result.salinityFile);
@@ -59,12 +68,12 @@ AtlasSettings atlasSettings()
     return result;
 }
 
-// A coordinate in decimal degrees; none where the text is no number.
+// A coordinate in decimal degrees; none where the text is no finite number.
 std::optional<double> coordinate(const QString& text)
 {
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
-    return isNumber ? std::optional<double>(value) : std::nullopt;
+    return isNumber && std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
 }
 
 } // namespace

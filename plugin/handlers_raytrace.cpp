@@ -101,7 +101,7 @@ void CSVP_WebInterface::handleShowRaypath(const QString& body)
         return refuse(QStringLiteral("Input parameter error"));
 
     profile::RayForm form = profile::parseRayForm(pieces);
-    if (form.angle < 0.0F || form.angle > 90.0F)
+    if (!(form.angle >= 0.0F && form.angle <= 90.0F))
         return refuse(QStringLiteral("Beam pointing angle out of range."));
     if (form.first.depth.size() < minRaySamples)
         return refuse(QStringLiteral("Too few points in svp."));

@@ -61,11 +61,14 @@ QString CSVP_WebInterface::writeProfile(const datagram::ThinRequest& request,
 {
     const profile::ProfileForm& form = request.form;
     if (request.isAsvp) {
-        const int status = profile::writeSVPfile(
-            lists.depth, lists.speed,
-            datagram::derivedName(form.fileName, ending + QStringLiteral(".asvp")),
-            datagram::asvpHeaderOf(form), path);
-        return status == profile::WriteOk ? QString() : QStringLiteral("Error writing file.");
+        const QString name = datagram::derivedName(form.fileName, ending + QStringLiteral(".asvp"));
+        const int status = profile::writeSVPfile(lists.depth, lists.speed, name,
+                                                 datagram::asvpHeaderOf(form), path);
+        if (status == profile::WriteOk)
+            return {};
+        if (path.isEmpty()) // what could not be written had no place
+            path = name;
+        return QStringLiteral("Error writing file.");
     }
     const datagram::BuiltDatagram built =
         datagram::buildDatagram(datagram::datagramPartsOf(form, lists), decimals);

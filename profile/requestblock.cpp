@@ -156,7 +156,7 @@ RayForm parseRayForm(const QVector<QStringRef>& pieces)
 {
     const PieceTexts piece(pieces, 0);
     RayForm form;
-    form.angle = listNumber(piece.ref(0));
+    form.angle = piece.ref(0).toFloat(); // beyond all numbers is out of range, no number is 0
     form.first = sampleLists(piece.ref(1), piece.ref(2));
     form.second = sampleLists(piece.ref(3), piece.ref(4));
     return form;

@@ -58,6 +58,14 @@ Launch RayEngine::launchFromTop(double depression) const
             m_layers.front().c, Heading::Down};
 }
 
+// A ray that set out level at the top comes back to it level: it turns there, half way along an
+// arc of the first layer.
+bool RayEngine::isBackAtTop(const Launch& launch, const Arc& arc) const
+{
+    return launch.cosineSquare == 0.0 && arc.cosine < 0.0 && arc.dz == 0.0 && arc.dx > 0.0 &&
+           m_layers.size() > 1 && arc.z == m_layers[1].d;
+}
+
 std::vector<RayPoint> RayEngine::path(double depression)
 {
     std::vector<RayPoint> points;
@@ -68,13 +76,23 @@ std::vector<RayPoint> RayEngine::path(double depression)
     points.reserve(m_layers.size() + 1);
     points.push_back({0.0, launch.depth});
     Walk walk(m_layers, launch, limits::maxTime);
-    walk.run([&points, limit](const Arc& arc, const RayPoint& end) {
+    walk.run([&](const Arc& arc, const RayPoint& end) {
+        if (isBackAtTop(launch, arc)) {
+            Arc half = arc;
+            half.time /= 2.0;
+            half.dx /= 2.0;
+            appendInside(half, piecesWithin(half, limits::chordError), points, limit);
+            points.push_back({half.x + half.dx, launch.depth});
+            return false;
+        }
         const double pieces = piecesWithin(arc, limits::chordError);
         if (pieces > 1.0 && !appendInside(arc, pieces, points, limit))
             return false;
         if (points.size() >= limit)
             return false;
-        points.push_back(end);
+        // Behind a turn the boundary is crossed where the arc ended.
+        if (end.x != points.back().x || end.z != points.back().z)
+            points.push_back(end);
         return true;
     });
     keepMessage(walk);

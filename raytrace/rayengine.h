@@ -1,5 +1,6 @@
 #pragma once
 
+#include "raytrace/arc.h"
 #include "raytrace/layers.h"
 #include "raytrace/ray.h"
 
@@ -65,6 +66,7 @@ class RayEngine
 
   private:
     Launch launchFromTop(double depression) const;
+    bool isBackAtTop(const Launch& launch, const Arc& arc) const;
     void keepMessage(const Walk& walk);
 
     Layers m_layers;

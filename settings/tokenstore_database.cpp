@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -18,19 +19,23 @@ constexpr int language = 1;
 
 struct TokenTable
 {
+    const char* name;
     const char* statement;
     TokenKind kind;
 };
 
 // A name that is in two tables has the kind and the value of the later one.
 constexpr TokenTable tokenTables[] = {
-    {"select value_id, token, float_values.value from token_value "
+    {"float_values",
+     "select value_id, token, float_values.value from token_value "
      "inner join float_values on token_value.value_id = float_values.id",
      TokenKind::Float},
-    {"select value_id, token, integer_values.value from token_value "
+    {"integer_values",
+     "select value_id, token, integer_values.value from token_value "
      "inner join integer_values on token_value.value_id = integer_values.id",
      TokenKind::Integer},
-    {"select value_id, token, varchar_values.value from token_value "
+    {"varchar_values",
+     "select value_id, token, varchar_values.value from token_value "
      "inner join varchar_values on token_value.value_id = varchar_values.id",
      TokenKind::Text},
 };
@@ -84,59 +89,6 @@ QJsonValue valueOf(const QVariant& cell, TokenKind kind)
     return cell.toString();
 }
 
-/// Finds descriptions by three statements, each prepared once. Names travel as values, so that a
-/// quote in one is a letter like any other.
-class Descriptions
-{
-  public:
-    explicit Descriptions(const QSqlDatabase& database)
-        : m_ofToken(database), m_ofLanguage(database), m_text(database)
-    {
-        m_isReady = prepare(m_ofToken, "select description_id from token_value "
-                                       "where token=upper(?)") &&
-                    prepare(m_ofLanguage, "select description_id from descriptions_language "
-                                          "where id=? and language=?") &&
-                    prepare(m_text, "select description from descriptions where id=?");
-    }
-
-    /// The description of a token; empty where it has none.
-    QString of(const QString& name)
-    {
-        if (!m_isReady)
-            return {};
-        const QVariant inAnyLanguage = firstCell(m_ofToken, {name});
-        if (inAnyLanguage.isNull())
-            return {};
-        const QVariant inOurs =
-            firstCell(m_ofLanguage, {inAnyLanguage.toString(), QString::number(language)});
-        return inOurs.isNull() ? QString() : firstCell(m_text, {inOurs.toString()}).toString();
-    }
-
-  private:
-    static bool prepare(QSqlQuery& query, const char* statement)
-    {
-        query.setForwardOnly(true);
-        return query.prepare(QLatin1String(statement));
-    }
-    // The values are bound as text, which SQLite compares with a column of numbers as it does a
-    // quoted number.
-    static QVariant firstCell(QSqlQuery& query, const QStringList& values)
-    {
-        for (int i = 0; i < values.size(); ++i)
-            query.bindValue(i, values.at(i));
-        QVariant cell;
-        if (query.exec() && query.next())
-            cell = query.value(0);
-        query.finish();
-        return cell;
-    }
-
-    QSqlQuery m_ofToken;
-    QSqlQuery m_ofLanguage;
-    QSqlQuery m_text;
-    bool m_isReady = false;
-};
-
 /// Bounds what is taken from a database: more than a mirror can hold is of no use.
 class Allowance
 {
@@ -152,6 +104,66 @@ class Allowance
 
   private:
     qint64 m_left = platform::maxFileSize;
+};
+
+/// The descriptions of tokens: from the token's name over the description's number in our language
+/// to its text. Read once, each table in one pass.
+class Descriptions
+{
+  public:
+    /// False when there is more than the allowance; a table that cannot be read has no rows.
+    bool read(const QSqlDatabase& database, Allowance& allowance)
+    {
+        return readPairs(database, QStringLiteral("select token, description_id from token_value"),
+                         allowance, m_ofToken) &&
+               readPairs(database,
+                         QStringLiteral("select id, description_id from descriptions_language "
+                                        "where language='%1'")
+                             .arg(language),
+                         allowance, m_ofLanguage) &&
+               readPairs(database, QStringLiteral("select id, description from descriptions"),
+                         allowance, m_text);
+    }
+
+    /// The description of a token, whose name the database has in upper case; empty where it has
+    /// none.
+    QString of(const QString& name) const
+    {
+        return m_text.value(m_ofLanguage.value(m_ofToken.value(asciiUpper(name))));
+    }
+
+  private:
+    using Pairs = QHash<QString, QString>;
+
+    static bool readPairs(const QSqlDatabase& database, const QString& statement,
+                          Allowance& allowance, Pairs& pairs)
+    {
+        QSqlQuery query(database);
+        query.setForwardOnly(true);
+        query.exec(statement);
+        while (query.next()) {
+            const QString key = query.value(0).toString();
+            const QString value = query.value(1).toString();
+            if (!allowance.take(key.size() + value.size()))
+                return false;
+            if (!pairs.contains(key)) // the first row counts
+                pairs.insert(key, value);
+        }
+        return true;
+    }
+    // As SQLite's upper() does it: other letters stay.
+    static QString asciiUpper(QString text)
+    {
+        for (QChar& letter : text) {
+            if (letter >= QLatin1Char('a') && letter <= QLatin1Char('z'))
+                letter = QChar(letter.unicode() - 'a' + 'A');
+        }
+        return text;
+    }
+
+    Pairs m_ofToken;
+    Pairs m_ofLanguage;
+    Pairs m_text;
 };
 
 bool readTable(const QSqlDatabase& database, const TokenTable& table, Allowance& allowance,
@@ -175,14 +187,38 @@ bool readTable(const QSqlDatabase& database, const TokenTable& table, Allowance&
     return error.isEmpty();
 }
 
+// Not by QSqlDatabase::tables, which has no tables for a file that it cannot read.
+bool readTableNames(const QSqlDatabase& database, QStringList& names, QString& error)
+{
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    query.exec(QStringLiteral("select name from sqlite_master"));
+    while (query.next())
+        names.append(query.value(0).toString());
+    error = query.lastError().isValid() ? query.lastError().text() : QString();
+    return error.isEmpty();
+}
+
 bool readTokens(const QSqlDatabase& database, TokenMap& tokens, QString& error)
 {
     Allowance allowance;
+    // A survey system that keeps no texts, say, has no such table.
+    QStringList present;
+    if (!readTableNames(database, present, error))
+        return false;
+    const auto isPresent = [&present](const char* table) {
+        return present.contains(QLatin1String(table), Qt::CaseInsensitive);
+    };
     for (const TokenTable& table : tokenTables) {
-        if (!readTable(database, table, allowance, tokens, error))
+        if (isPresent("token_value") && isPresent(table.name) &&
+            !readTable(database, table, allowance, tokens, error))
             return false;
     }
-    Descriptions descriptions(database);
+    Descriptions descriptions;
+    if (!descriptions.read(database, allowance)) {
+        error = Allowance::exceeded();
+        return false;
+    }
     for (Token& token : tokens) {
         token.description = descriptions.of(token.name);
         if (!allowance.take(token.description.size())) {

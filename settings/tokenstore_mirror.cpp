@@ -83,7 +83,7 @@ TokenMirror::Parsed TokenMirror::parse(const QByteArray& text)
         return Parsed::NoObject;
     QJsonObject object = document.object();
     const QJsonValue tokens = object.take(tokensKey());
-    if (!tokens.isArray())
+    if (!tokens.isArray() && !tokens.isUndefined())
         return Parsed::NoTokens;
     m_others = object;
     m_tokens = tokens.toArray();

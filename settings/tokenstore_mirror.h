@@ -24,7 +24,7 @@ class TokenMirror
     {
         Whole,
         NoObject, ///< no JSON, or not an object
-        NoTokens, ///< an object whose "tokens" is missing or no array
+        NoTokens, ///< an object whose "tokens" is no array
     };
 
     /// Takes over the content of a mirror file. When it is none, this mirror has no tokens

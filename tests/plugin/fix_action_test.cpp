@@ -243,6 +243,31 @@ TEST(FixAction, AnUnreadableMirrorIsLeftAloneAndTheDefaultsHold)
     EXPECT_EQ(engine.folder.read(QLatin1String(mirrorPath)), broken);
 }
 
+TEST(FixAction, APositionThatIsNoNumberGivesNoPressureThatIsNone)
+{
+    FixEngine engine;
+    for (const char* latitude : {"nan", "inf", "-Infinity", "NA"}) {
+        const QJsonObject reply =
+            engine.fixed(changed(datagramFix(QStringLiteral("4")), 6, QLatin1String(latitude)));
+        const QList<QByteArrayList> rows =
+            rowsOf(bytesOf(reply.value(QLatin1String("fullname")).toString()));
+        ASSERT_EQ(rows.size(), 13) << latitude;
+        // As at the equator: (2.45e-6 z + 1 - 0.00263) 1.008 z, in megapascals.
+        EXPECT_NEAR(rows.at(12).at(0).toDouble(),
+                    (2.45e-6 * 12000.0 + 1.0 - 0.00263) * 1.008 * 12000.0 * 0.01, 1.3e-5);
+    }
+}
+
+TEST(FixAction, WithoutDatabaseAndMirrorTheTokensAreAddedToo)
+{
+    FixEngine engine;
+    QFile::remove(engine.folder.path(QLatin1String(mirrorPath)));
+    testlog::expectWarning(QStringLiteral("No tokens in database"));
+    EXPECT_EQ(outcome(engine.fixed(asvpFix())), QLatin1String("SUCCESS"));
+    EXPECT_EQ(engine.token(QStringLiteral("SVP_WOA_FILE_T")).value(QLatin1String("Descr")),
+              QJsonValue(QStringLiteral("WOA database Temperature file")));
+}
+
 TEST(FixAction, ExtendsFromTheAtlasWhereATokenSaysSo)
 {
     const QByteArray use = R"({"Name":"SVP_WOA_EXTEND","Descr":"","Type":1,"Value":1})";
@@ -341,7 +366,10 @@ TEST(FixAction, RefusalsStandInTheirOrder)
         {changed(datagramFix(), 1, QStringLiteral("../../x.ssp")),
          QStringLiteral("Error saving file.")},
         {changed(asvpFix(), 1, QStringLiteral("../../x.asvp")),
-         QStringLiteral("Error writing file: ../../x.asvp")},
+         QStringLiteral("Error writing file: ../../x_fixed.asvp")},
+        // Three levels make a file of this kind.
+        {lists(asvpFix(), "1500,1,1,1,1,1600", "0,1,2,3,4,12000", "6"),
+         QStringLiteral("Error writing file: my.cast_fixed.asvp")},
     };
     for (const auto& c : cases) {
         engine.plugin.addPendingAlert("pending");

@@ -118,7 +118,8 @@ TEST(RaypathAction, TheAngle)
     Engine engine;
     for (const char* angle : {"0", "0.0", "-0", " 45 ", "90", "90.0", "9e1", "89.999"})
         EXPECT_EQ(outcomeWith(engine, 0, QLatin1String(angle)), success) << angle;
-    for (const char* angle : {"90.5", "90.00001", "-0.1", "-1e-30", "180", "1e30"})
+    for (const char* angle : {"90.5", "90.00001", "-0.1", "-1e-30", "180", "1e30", "1e39", "1e400",
+                              "inf", "-inf", "nan"})
         EXPECT_EQ(outcomeWith(engine, 0, QLatin1String(angle)), wrongAngle) << angle;
 
     const QJsonObject down =

@@ -165,16 +165,34 @@ TEST(Path, EndsWhereTheCoreRefuses)
     EXPECT_EQ(broken[1].z, 10.0);
 }
 
-TEST(Path, OfARayCaughtInANarrowChannelIsBounded)
+TEST(Path, OfARayThatSetsOutLevelEndsBackAtTheTop)
 {
-    // Level at the top, where it bends down: it comes back level, and so on for a minute.
+    // Level at the top, where it bends down: it comes back level, as far away as its neighbours.
     const Layers wide = profiles::of({0, 1, 500}, {1500, 1450, 1690});
-    const auto minute = path(wide, 0.0);
-    EXPECT_LT(minute.size(), raytrace::Walk::crossingLimit(wide));
-    const auto end = integration::follow(wide, {0.0, 0.0, 0.0, M_PI / 2}, 60.0);
-    EXPECT_NEAR(minute.back().x, end.x, 0.01);
-    EXPECT_NEAR(minute.back().z, end.z, 0.01);
+    const auto level = path(wide, 0.0);
+    const auto neighbour = path(wide, 0.001);
+    EXPECT_EQ(level.back().z, 0.0);
+    EXPECT_EQ(neighbour.back().z, 0.0);
+    EXPECT_NEAR(level.back().x, neighbour.back().x, 0.01);
+    // Half of it, to the turn, by integration: the arcs of both halves are the same.
+    double deepest = 0.0;
+    for (const RayPoint& point : level)
+        deepest = std::max(deepest, point.z);
+    const auto half =
+        integration::follow(wide, {0.0, 0.0, 0.0, M_PI / 2}, level.back().x / 2.0 / 1475.0);
+    EXPECT_NEAR(half.z, deepest, 0.05);
     const Layers narrow = profiles::of({0, 0.01F, 0.02F}, {1500, 1400, 1690});
-    const auto points = path(narrow, 0.0);
-    EXPECT_EQ(points.size(), raytrace::Walk::crossingLimit(narrow));
+    EXPECT_LT(path(narrow, 0.0).size(), 10U);
+    EXPECT_EQ(path(narrow, 0.0).back().z, 0.0);
+}
+
+TEST(Path, NoPointStandsTwice)
+{
+    for (const Layers& layers : {profiles::channel(241), profiles::quickening()}) {
+        for (int i = 0; i <= 243; ++i) {
+            const auto points = path(layers, i * 0.37);
+            for (std::size_t k = 1; k < points.size(); ++k)
+                EXPECT_TRUE(points[k].x != points[k - 1].x || points[k].z != points[k - 1].z);
+        }
+    }
 }

@@ -207,7 +207,7 @@ TEST_F(TokenStoreTest, AMirrorThatCannotBeReadIsLeftAlone)
         {"null", "CGetToken - isObject is false"},
         {QByteArray(100000, '['), "CGetToken - isObject is false"},
         {QByteArray(1000, '\0'), "CGetToken - isObject is false"},
-        {"{}", "CGetToken - tokens is no array"},
+        {R"({"tokens":null})", "CGetToken - tokens is no array"},
         {R"({"tokens":{"Name":"SVP_WOA_EXTEND"}})", "CGetToken - tokens is no array"},
         {R"({"tokens":"SVP_WOA_EXTEND"})", "CGetToken - tokens is no array"},
     };
