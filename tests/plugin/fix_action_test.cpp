@@ -195,7 +195,8 @@ TEST(FixAction, AFixedProfileStaysAsItIs)
     // Again with what came out.
     QStringList speeds;
     QStringList depths;
-    for (const QByteArray& line : once.split('\n').mid(1)) {
+    const QByteArrayList onceLines = once.split('\n').mid(1);
+    for (const QByteArray& line : onceLines) {
         if (line.contains(' ')) {
             depths.append(QString::fromLatin1(line.split(' ').at(0)));
             speeds.append(QString::fromLatin1(line.split(' ').at(1).trimmed()));

@@ -124,7 +124,8 @@ TEST(RaypathAction, TheAngle)
 
     const QJsonObject down =
         engine.request(rayPath, requests::join(requests::changed(good(), 0, QStringLiteral("90"))));
-    for (const double x : numbers(down, "svp1X") + numbers(down, "svp2X"))
+    const QVector<double> distances = numbers(down, "svp1X") + numbers(down, "svp2X");
+    for (const double x : distances)
         EXPECT_EQ(x, 0.0);
     EXPECT_EQ(numbers(down, "svp1Y").constLast(), 12000.0);
     // What is no number is 0, as everywhere in requests: level, for a minute.

@@ -73,7 +73,7 @@ class AtlasFiles : public testing::Test
 } // namespace
 
 // Speeds by another program, from the equations alone.
-TEST_F(AtlasFiles, aProfileIsMadeOfBoth)
+TEST_F(AtlasFiles, AProfileIsMadeOfBoth)
 {
     const AtlasProfile profile = profileAt(59.5, 10.5);
     EXPECT_EQ(profile.depths, (QVector<float>{0, 100, 1000, 5500}));
@@ -85,7 +85,7 @@ TEST_F(AtlasFiles, aProfileIsMadeOfBoth)
 }
 
 // The pressure is that of the position, not of the cell.
-TEST_F(AtlasFiles, thePressureFollowsTheLatitude)
+TEST_F(AtlasFiles, ThePressureFollowsTheLatitude)
 {
     write("s.csv", "title\n:5500\n0.5,10.5,34.7\n");
     write("t.csv", "title\n:5500\n0.5,10.5,2\n");
@@ -94,7 +94,7 @@ TEST_F(AtlasFiles, thePressureFollowsTheLatitude)
     EXPECT_NEAR(profile.speeds[0], 1552.246294, 2e-4);
 }
 
-TEST_F(AtlasFiles, theShorterOfTheTwoEndsIt)
+TEST_F(AtlasFiles, TheShorterOfTheTwoEndsIt)
 {
     EXPECT_EQ(depthsAt(-0.5, -0.5), (QVector<float>{0, 100}));
     EXPECT_EQ(depthsAt(-0.5, 359.5), (QVector<float>{0, 100}));
@@ -102,7 +102,7 @@ TEST_F(AtlasFiles, theShorterOfTheTwoEndsIt)
     EXPECT_EQ(depthsAt(30.0, 30.0), QVector<float>());
 }
 
-TEST_F(AtlasFiles, aGapEndsIt)
+TEST_F(AtlasFiles, AGapEndsIt)
 {
     write("s.csv", "title\n:0,100,1000\n59.5,10.5,35,,34.9\n58.5,10.5,-9999.99,35,35\n"
                    "57.5,10.5,35,x,35\n56.5,10.5,0,0,0\n");
@@ -115,7 +115,7 @@ TEST_F(AtlasFiles, aGapEndsIt)
     EXPECT_EQ(depthsAt(56.5, 10.5), (QVector<float>{0, 100, 1000}));
 }
 
-TEST_F(AtlasFiles, levelsThatDisagreeEndIt)
+TEST_F(AtlasFiles, LevelsThatDisagreeEndIt)
 {
     const QByteArray cell = "\n59.5,10.5,35,35,35\n";
     const struct
@@ -144,7 +144,7 @@ TEST_F(AtlasFiles, levelsThatDisagreeEndIt)
     }
 }
 
-TEST_F(AtlasFiles, positionsGoRoundAndEndAtThePoles)
+TEST_F(AtlasFiles, PositionsGoRoundAndEndAtThePoles)
 {
     QByteArray salinities = "title\n:0\n";
     QByteArray temperatures = salinities;
@@ -184,7 +184,7 @@ TEST_F(AtlasFiles, positionsGoRoundAndEndAtThePoles)
     profileAt(0.5, 1e300);
 }
 
-TEST_F(AtlasFiles, valuesThatNoSpeedCanBeMadeOfEndIt)
+TEST_F(AtlasFiles, ValuesThatNoSpeedCanBeMadeOfEndIt)
 {
     write("s.csv", "title\n:0,10,20\n59.5,10.5,35,1e300,35\n");
     write("t.csv", "title\n:0,10,20\n59.5,10.5,8,8,8\n");
@@ -193,7 +193,7 @@ TEST_F(AtlasFiles, valuesThatNoSpeedCanBeMadeOfEndIt)
     EXPECT_EQ(depthsAt(59.5, 10.5), (QVector<float>{0}));
 }
 
-TEST_F(AtlasFiles, theSameFilesAreNotReadTwice)
+TEST_F(AtlasFiles, TheSameFilesAreNotReadTwice)
 {
     ASSERT_EQ(depthsAt(59.5, 10.5).size(), 4);
     // Other bytes under the same size and time: what was read before is what is told.
@@ -228,7 +228,7 @@ TEST_F(AtlasFiles, theSameFilesAreNotReadTwice)
     EXPECT_EQ(atlas.woaProfile(59.5, 10.5).depths.size(), 0);
 }
 
-TEST_F(AtlasFiles, aFileThatCannotBeReadLeavesNothingBehind)
+TEST_F(AtlasFiles, AFileThatCannotBeReadLeavesNothingBehind)
 {
     ASSERT_EQ(depthsAt(59.5, 10.5).size(), 4);
     const QByteArray good = bytesOf(path("t.csv"));
@@ -245,7 +245,7 @@ TEST_F(AtlasFiles, aFileThatCannotBeReadLeavesNothingBehind)
     EXPECT_EQ(generate(59.5, 10.5), QString());
 }
 
-TEST_F(AtlasFiles, onlyFilesAreOpened)
+TEST_F(AtlasFiles, OnlyFilesAreOpened)
 {
     ASSERT_TRUE(QDir().mkpath(path("folder")));
     QStringList odd = {path("missing.csv"), path("folder"), QString(), QStringLiteral("/dev/zero"),
@@ -265,7 +265,7 @@ TEST_F(AtlasFiles, onlyFilesAreOpened)
     EXPECT_FALSE(QFileInfo::exists(path("out")));
 }
 
-TEST_F(AtlasFiles, aFileBeyondAllMeasureIsRefused)
+TEST_F(AtlasFiles, AFileBeyondAllMeasureIsRefused)
 {
     QFile file(path("s.csv"));
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
@@ -275,7 +275,7 @@ TEST_F(AtlasFiles, aFileBeyondAllMeasureIsRefused)
     EXPECT_EQ(read(), Read::NotRead);
 }
 
-TEST(ExtendWoa, joinsWhatLiesDeeperByItsPlace)
+TEST(ExtendWoa, JoinsWhatLiesDeeperByItsPlace)
 {
     AtlasProfile empty;
     EXPECT_EQ(extendWOA(empty, deepRows(0)), 0);
@@ -310,14 +310,14 @@ TEST(ExtendWoa, joinsWhatLiesDeeperByItsPlace)
     EXPECT_EQ(profile.depths.size(), 4);
 }
 
-TEST(WoaExtensionText, theFirstRowSharesTheCommentLine)
+TEST(WoaExtensionText, TheFirstRowSharesTheCommentLine)
 {
     const AtlasProfile profile{{0, 5.5F, 1000000, 5500}, {1500, 1482.46838F, 1499.9996F, 0.25F}};
     EXPECT_EQ(woaExtensionText(profile), comment + "0 1500\r\n5.5 1482.47\r\n1e+06 1500\r\n"
                                                    "5500 0.25\r\n");
 }
 
-TEST_F(AtlasFiles, theFileIsWrittenByteForByte)
+TEST_F(AtlasFiles, TheFileIsWrittenByteForByte)
 {
     const QString written = generate(59.5, 10.5);
     EXPECT_EQ(written, path("out") + QStringLiteral("/WOASVPExtension.txt"));
@@ -333,7 +333,7 @@ TEST_F(AtlasFiles, theFileIsWrittenByteForByte)
     EXPECT_TRUE(bytesOf(written).contains("\r\n500 1498\r\n1000 1483\r\n4000 1500.25\r\n"));
 }
 
-TEST_F(AtlasFiles, landGivesNoFile)
+TEST_F(AtlasFiles, LandGivesNoFile)
 {
     EXPECT_EQ(generate(0.5, 0.5), QString());
     EXPECT_EQ(generate(30.0, 30.0), QString());
@@ -341,7 +341,7 @@ TEST_F(AtlasFiles, landGivesNoFile)
     EXPECT_FALSE(QFileInfo::exists(path("out")));
 }
 
-TEST_F(AtlasFiles, theRowsAreAskedForOnceWithTheLastDepth)
+TEST_F(AtlasFiles, TheRowsAreAskedForOnceWithTheLastDepth)
 {
     QVector<double> asked;
     const auto rows = [&asked](double lastDepth) {
@@ -357,7 +357,7 @@ TEST_F(AtlasFiles, theRowsAreAskedForOnceWithTheLastDepth)
         QString());
 }
 
-TEST_F(AtlasFiles, aFolderThatCannotBeWrittenGivesNoPath)
+TEST_F(AtlasFiles, AFolderThatCannotBeWrittenGivesNoPath)
 {
     write("out", "a file");
     EXPECT_EQ(generate(59.5, 10.5), QString());

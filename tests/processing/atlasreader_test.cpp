@@ -44,7 +44,7 @@ const std::string head = "title\r\ndepths (m):0,5,10\r\n";
 
 } // namespace
 
-TEST(AtlasGrid, indicesGoRoundAndEndAtThePoles)
+TEST(AtlasGrid, IndicesGoRoundAndEndAtThePoles)
 {
     const struct
     {
@@ -85,7 +85,7 @@ TEST(AtlasGrid, indicesGoRoundAndEndAtThePoles)
         EXPECT_EQ(AtlasGrid::latitudeIndex(c.latitude), c.index) << c.latitude;
 }
 
-TEST(AtlasGrid, holdsNoDataUntilItIsWritten)
+TEST(AtlasGrid, HoldsNoDataUntilItIsWritten)
 {
     AtlasGrid grid;
     EXPECT_EQ(grid.value(0, 0, 0), none);
@@ -103,7 +103,7 @@ TEST(AtlasGrid, holdsNoDataUntilItIsWritten)
 
 #if defined(__linux__)
 // A host that never uses the atlas must not pay 114 MB for it.
-TEST(AtlasGrid, costsNoMemoryUntilAFileIsRead)
+TEST(AtlasGrid, CostsNoMemoryUntilAFileIsRead)
 {
     const auto residentMegabytes = [] {
         std::ifstream file("/proc/self/statm");
@@ -119,7 +119,7 @@ TEST(AtlasGrid, costsNoMemoryUntilAFileIsRead)
 }
 #endif
 
-TEST(ReadAtlasFile, readsLevelsAndCells)
+TEST(ReadAtlasFile, ReadsLevelsAndCells)
 {
     const Reading reading(head + "59.5,10.5,35.1,35.2,35.3\r\n-59.5,-0.5,34.1,34.2\r\n");
     EXPECT_TRUE(reading.isRead);
@@ -133,7 +133,7 @@ TEST(ReadAtlasFile, readsLevelsAndCells)
     EXPECT_EQ(reading.grid.value(30, 359, 2), none);
 }
 
-TEST(ReadAtlasFile, theTitleAndTheHeaderMustBeThere)
+TEST(ReadAtlasFile, TheTitleAndTheHeaderMustBeThere)
 {
     EXPECT_FALSE(Reading("").isRead);
     EXPECT_FALSE(Reading("title").isRead);
@@ -142,7 +142,7 @@ TEST(ReadAtlasFile, theTitleAndTheHeaderMustBeThere)
     EXPECT_TRUE(Reading("\nheader:0\n").isRead);
 }
 
-TEST(ReadAtlasFile, depthsFollowTheFirstColon)
+TEST(ReadAtlasFile, DepthsFollowTheFirstColon)
 {
     EXPECT_EQ(Reading("t\nno colon, 0, 5\n").levels, AtlasLevels());
     EXPECT_EQ(Reading("t\n:0,5\n").levels, (AtlasLevels{{0, 0}, {1, 5}}));
@@ -159,7 +159,7 @@ TEST(ReadAtlasFile, depthsFollowTheFirstColon)
     EXPECT_EQ(Reading("t\nh\n0.5,0.5,7\n").at(0.5, 0.5), 7.0);
 }
 
-TEST(ReadAtlasFile, aShortLineEndsTheReadingAndFails)
+TEST(ReadAtlasFile, AShortLineEndsTheReadingAndFails)
 {
     for (const char* const line : {"60.5", "", "x", " "}) {
         const Reading reading(head + "59.5,10.5,35.1\n" + line + "\n61.5,10.5,35.3\n");
@@ -176,7 +176,7 @@ TEST(ReadAtlasFile, aShortLineEndsTheReadingAndFails)
     EXPECT_TRUE(Reading(head + "59.5,10.5,35.1").isRead);
 }
 
-TEST(ReadAtlasFile, whatIsNoNumberIsNoDataAndNeverZero)
+TEST(ReadAtlasFile, WhatIsNoNumberIsNoDataAndNeverZero)
 {
     const Reading reading(head + "59.5,10.5,35.1,,x, 35.4 ,35.5a,nan,inf,1e999,0,-9999.99,35.9,\n");
     EXPECT_TRUE(reading.isRead);
@@ -186,7 +186,7 @@ TEST(ReadAtlasFile, whatIsNoNumberIsNoDataAndNeverZero)
         EXPECT_EQ(reading.at(59.5, 10.5, level), expected[level]) << level;
 }
 
-TEST(ReadAtlasFile, cellsOutsideOfTheGridAreLeftOut)
+TEST(ReadAtlasFile, CellsOutsideOfTheGridAreLeftOut)
 {
     for (const char* const position :
          {"90,10.5", "90.5,10.5", "-90.01,10.5", "-90.5,10.5", "1e30,10.5", "x,10.5", ",10.5",
@@ -218,13 +218,13 @@ TEST(ReadAtlasFile, cellsOutsideOfTheGridAreLeftOut)
 }
 
 // Positions are 32-bit floats: this one is 60 then, and 59.999… as a double.
-TEST(ReadAtlasFile, positionsAreNarrowed)
+TEST(ReadAtlasFile, PositionsAreNarrowed)
 {
     const Reading reading(head + "59.99999999,9.99999999,35.1\n");
     EXPECT_EQ(reading.grid.value(150, 10, 0), 35.1);
 }
 
-TEST(ReadAtlasFile, levelsBeyondTheGridAreLeftOut)
+TEST(ReadAtlasFile, LevelsBeyondTheGridAreLeftOut)
 {
     std::string depths;
     std::string values;
@@ -246,7 +246,7 @@ TEST(ReadAtlasFile, levelsBeyondTheGridAreLeftOut)
     EXPECT_EQ(reading.at(60.5, 10.5, 0), none);
 }
 
-TEST(ReadAtlasFile, exactly110LevelsFit)
+TEST(ReadAtlasFile, Exactly110LevelsFit)
 {
     std::string values;
     for (int level = 0; level < 110; ++level)
@@ -257,11 +257,14 @@ TEST(ReadAtlasFile, exactly110LevelsFit)
     EXPECT_EQ(reading.at(0.5, 0.5), 2.0);
 }
 
-TEST(ReadAtlasFile, anyLineEndWillDo)
+TEST(ReadAtlasFile, AnyLineEndWillDo)
 {
-    for (const std::string end : {"\n", "\r\n", "\r\r\n", "\r"}) {
-        const Reading reading("t" + end + "a:0,5" + end + "59.5,10.5,1,2" + end + "58.5,10.5,3" +
-                              end);
+    for (const char* ending : {"\n", "\r\n", "\r\r\n", "\r"}) {
+        const std::string end = ending;
+        std::string text;
+        for (const char* line : {"t", "a:0,5", "59.5,10.5,1,2", "58.5,10.5,3"})
+            text.append(line).append(end);
+        const Reading reading(text);
         EXPECT_TRUE(reading.isRead) << end.size();
         EXPECT_EQ(reading.levels.size(), 2);
         EXPECT_EQ(reading.at(59.5, 10.5, 1), 2.0);
@@ -269,7 +272,7 @@ TEST(ReadAtlasFile, anyLineEndWillDo)
     }
 }
 
-TEST(ReadAtlasFile, aSecondReadingForgetsTheFirst)
+TEST(ReadAtlasFile, ASecondReadingForgetsTheFirst)
 {
     Reading reading(head + "59.5,10.5,35.1,35.2\n");
     std::FILE* const stream = std::tmpfile();
@@ -282,7 +285,7 @@ TEST(ReadAtlasFile, aSecondReadingForgetsTheFirst)
     EXPECT_EQ(reading.at(59.5, 10.5, 1), none);
 }
 
-TEST(ReadAtlasFile, hugeLinesAndFieldsPass)
+TEST(ReadAtlasFile, HugeLinesAndFieldsPass)
 {
     const std::string commas(20000000, ',');
     const std::string digits(20000000, '1');
@@ -298,7 +301,7 @@ TEST(ReadAtlasFile, hugeLinesAndFieldsPass)
 }
 
 // Cut off at each byte: never more than what stands there, and no crash.
-TEST(ReadAtlasFile, aFileMayEndAnywhere)
+TEST(ReadAtlasFile, AFileMayEndAnywhere)
 {
     const std::string text = head + "59.5,10.5,35.1,35.2\r\n58.5,10.5,34.5";
     for (std::size_t size = 0; size <= text.size(); ++size) {
@@ -311,7 +314,7 @@ TEST(ReadAtlasFile, aFileMayEndAnywhere)
 }
 
 #ifdef __linux__
-TEST(ReadAtlasFile, anErrorOfTheStreamFails)
+TEST(ReadAtlasFile, AnErrorOfTheStreamFails)
 {
     // Gives the text and then an error.
     static const std::string text = head + "59.5,10.5,35.1\n";

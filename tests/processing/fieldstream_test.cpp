@@ -62,7 +62,7 @@ double numberOf(const std::string& text)
 
 } // namespace
 
-TEST(FieldStream, takesFieldsAndLines)
+TEST(FieldStream, TakesFieldsAndLines)
 {
     EXPECT_EQ(fieldsOf(""), "");
     EXPECT_EQ(fieldsOf("a"), "a|");
@@ -74,7 +74,7 @@ TEST(FieldStream, takesFieldsAndLines)
     EXPECT_EQ(fieldsOf(std::string("a\0b,c", 5)), std::string("a\0b,c|", 6));
 }
 
-TEST(FieldStream, knowsTheEndsOfLines)
+TEST(FieldStream, KnowsTheEndsOfLines)
 {
     EXPECT_EQ(fieldsOf("a\nb\r\nc\r\r\nd\re"), "a|b|c|d|e|");
     EXPECT_EQ(fieldsOf("a\r\rb"), "a||b|");
@@ -87,7 +87,7 @@ TEST(FieldStream, knowsTheEndsOfLines)
     EXPECT_EQ(fieldsOf("a", 3), "");
 }
 
-TEST(FieldStream, numbersAreReadWholeOrNotAtAll)
+TEST(FieldStream, NumbersAreReadWholeOrNotAtAll)
 {
     EXPECT_EQ(numberOf("12.25"), 12.25);
     EXPECT_EQ(numberOf("-0.5"), -0.5);
@@ -109,7 +109,7 @@ TEST(FieldStream, numbersAreReadWholeOrNotAtAll)
 }
 
 // The quick way for plain numbers gives what the standard library does, digit for digit.
-TEST(FieldStream, numbersAreThoseOfTheStandardLibrary)
+TEST(FieldStream, NumbersAreThoseOfTheStandardLibrary)
 {
     std::vector<std::string> texts = {"0",     "-0",   "-0.0", "0.1",  "-.5",  "9007199254740993",
                                       "35.10", "1e-3", "00.7", "-12.", "1.5E2"};
@@ -139,7 +139,7 @@ TEST(FieldStream, numbersAreThoseOfTheStandardLibrary)
 }
 
 // Blocks of 256 KiB end at each place of the text once.
-TEST(FieldStream, blocksMayEndAnywhere)
+TEST(FieldStream, BlocksMayEndAnywhere)
 {
     const std::string text = "12.345,-6\r\n1, 2\r\r\n3\r4,,5\n\r\r6";
     for (std::size_t shift = 0; shift <= text.size() + 2; ++shift) {
@@ -162,7 +162,7 @@ TEST(FieldStream, blocksMayEndAnywhere)
     }
 }
 
-TEST(FieldStream, aTakenFieldStaysValidUntilTheNextOne)
+TEST(FieldStream, ATakenFieldStaysValidUntilTheNextOne)
 {
     const std::string title(256 * 1024 - 5, 't');
     const TextStream stream(title + "\nabc\r\r\nd" + std::string(300000, 'x') + "\n");
@@ -177,7 +177,7 @@ TEST(FieldStream, aTakenFieldStaysValidUntilTheNextOne)
     EXPECT_TRUE(fields.isAtEnd());
 }
 
-TEST(FieldStream, skipsBehindAMarkOfTheLine)
+TEST(FieldStream, SkipsBehindAMarkOfTheLine)
 {
     const TextStream stream("ab:c:d\nno\r\n" + std::string(600000, 'x') + ":e\n:\nlast");
     FieldStream fields(stream.get());
@@ -193,7 +193,7 @@ TEST(FieldStream, skipsBehindAMarkOfTheLine)
     EXPECT_TRUE(fields.isAtEnd());
 }
 
-TEST(FieldStream, tellsOfAStreamThatFails)
+TEST(FieldStream, TellsOfAStreamThatFails)
 {
     std::FILE* const stream = std::fopen("/dev/null", "wb");
     if (stream == nullptr)

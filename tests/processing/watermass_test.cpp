@@ -52,7 +52,7 @@ raytrace::Layers layersOf(const std::vector<std::pair<double, double>>& pairs)
 
 } // namespace
 
-TEST(AdjustSalinityAndTemperature, aSpeedThatIsMetMovesNothing)
+TEST(AdjustSalinityAndTemperature, ASpeedThatIsMetMovesNothing)
 {
     for (const double excess : {0.0, 0.0999, -0.0999}) {
         EXPECT_EQ(fitted(excess).temperature, 10.0) << excess;
@@ -64,7 +64,7 @@ TEST(AdjustSalinityAndTemperature, aSpeedThatIsMetMovesNothing)
 
 // Found by another program, from the rules alone; the comments give salinity, temperature and
 // residual after each pass.
-TEST(AdjustSalinityAndTemperature, endsWhereTheSpeedIsMet)
+TEST(AdjustSalinityAndTemperature, EndsWhereTheSpeedIsMet)
 {
     // 38 10.5 -12.57 | 40 11 -8.41 | 40 11.5 -6.68 | 12 -4.98 | 12.5 -3.31 | 13 -1.65 | 13.5 -0.02
     expectFitted(18.0, 13.5, 40.0);
@@ -83,7 +83,7 @@ TEST(AdjustSalinityAndTemperature, endsWhereTheSpeedIsMet)
     expectFitted(-18.0, 6.55, 31.0);
 }
 
-TEST(AdjustSalinityAndTemperature, endsWhereBothStandAtABound)
+TEST(AdjustSalinityAndTemperature, EndsWhereBothStandAtABound)
 {
     expectFitted(24.0, 15.0, 40.0);
     expectFitted(30.0, 15.0, 40.0);
@@ -101,7 +101,7 @@ TEST(AdjustSalinityAndTemperature, endsWhereBothStandAtABound)
 }
 
 // The steps come to rest at 1 psu and 0.01 °C, which leap over the target for ever.
-TEST(AdjustSalinityAndTemperature, endsAfterAThousandPasses)
+TEST(AdjustSalinityAndTemperature, EndsAfterAThousandPasses)
 {
     expectFitted(1.2, 10.2, 36.0);
     expectFitted(-1.2, 9.8, 34.0);
@@ -109,7 +109,7 @@ TEST(AdjustSalinityAndTemperature, endsAfterAThousandPasses)
 
 // Far below the sea floor warmth slows the sound: there the first step, of 0.5 °C and 3 psu, moves
 // the speed by 0.00009 m/s at one depth and by 0.00011 m/s at the other (found by bisection).
-TEST(AdjustSalinityAndTemperature, endsWhereTheSpeedDoesNotMove)
+TEST(AdjustSalinityAndTemperature, EndsWhereTheSpeedDoesNotMove)
 {
     const auto search = [](double at) {
         const double speed = seawater::ifremer_speed(10.0, 35.0, 45.0, at);
@@ -126,7 +126,7 @@ TEST(AdjustSalinityAndTemperature, endsWhereTheSpeedDoesNotMove)
     EXPECT_EQ(search(moving).salinity, 40.0);
 }
 
-TEST(AdjustSalinityAndTemperature, leavesWhatIsNoNumberAndComesToAnEnd)
+TEST(AdjustSalinityAndTemperature, LeavesWhatIsNoNumberAndComesToAnEnd)
 {
     const double nan = std::nan("");
     const double infinity = std::numeric_limits<double>::infinity();
@@ -153,7 +153,7 @@ TEST(AdjustSalinityAndTemperature, leavesWhatIsNoNumberAndComesToAnEnd)
 }
 
 // Depths at places of the grid, and their sum, computed with 40 digits elsewhere.
-TEST(SyntheticExtensionDepths, areTheOnesOfAnotherComputation)
+TEST(SyntheticExtensionDepths, AreTheOnesOfAnotherComputation)
 {
     const struct
     {
@@ -193,7 +193,7 @@ TEST(SyntheticExtensionDepths, areTheOnesOfAnotherComputation)
 }
 
 // The same curve as a geometric series, in a wider type.
-TEST(SyntheticExtensionDepths, followAGeometricSeries)
+TEST(SyntheticExtensionDepths, FollowAGeometricSeries)
 {
     for (const double begin : {-3.5, 0.0, 12.25, 1799.0, 1799.99, 2000.0, 2500.5, 11000.0}) {
         const std::vector<double> depths = syntheticExtensionDepths(begin);
@@ -214,7 +214,7 @@ TEST(SyntheticExtensionDepths, followAGeometricSeries)
     }
 }
 
-TEST(SyntheticExtensionDepths, riseAndComeToAnEnd)
+TEST(SyntheticExtensionDepths, RiseAndComeToAnEnd)
 {
     for (const double begin : {0.0, 1799.0, 1800.0, 1999.0, 2000.0, 11000.0, 11999.0}) {
         const std::vector<double> depths = syntheticExtensionDepths(begin);
@@ -231,7 +231,7 @@ TEST(SyntheticExtensionDepths, riseAndComeToAnEnd)
 }
 
 // A cast that the water mass fits as it was given, so that the speeds can be worked out outright.
-TEST(ExtendIfremer, theWaterCoolsTo2DegreesAt2000Metres)
+TEST(ExtendIfremer, TheWaterCoolsTo2DegreesAt2000Metres)
 {
     const double lastDepth = 1500.0;
     raytrace::Layers samples =
@@ -264,7 +264,7 @@ TEST(ExtendIfremer, theWaterCoolsTo2DegreesAt2000Metres)
     EXPECT_EQ(samples.back().gradient, 0.0);
 }
 
-TEST(ExtendIfremer, aProfileThatEndsDeepIsContinuedAt2Degrees)
+TEST(ExtendIfremer, AProfileThatEndsDeepIsContinuedAt2Degrees)
 {
     const struct
     {
@@ -293,7 +293,7 @@ TEST(ExtendIfremer, aProfileThatEndsDeepIsContinuedAt2Degrees)
     }
 }
 
-TEST(ExtendIfremer, depthsTo10MetresAreNotPlaced)
+TEST(ExtendIfremer, DepthsTo10MetresAreNotPlaced)
 {
     raytrace::Layers samples = layersOf({{0.0, seawater::ifremer_speed(8.0, 33.0, 0.0, 0.0)}});
     ExtensionRows rows;
@@ -307,7 +307,7 @@ TEST(ExtendIfremer, depthsTo10MetresAreNotPlaced)
     EXPECT_LT(samples[1].d, 11.0);
 }
 
-TEST(ExtendIfremer, theFittedSalinityGoesOnDownward)
+TEST(ExtendIfremer, TheFittedSalinityGoesOnDownward)
 {
     // 4 m/s above 10 °C and 35 psu: 10.45 °C and 37 psu by the search.
     raytrace::Layers samples = layersOf({{depth, speedOf(10.0, 35.0) + 4.0}});
@@ -318,7 +318,7 @@ TEST(ExtendIfremer, theFittedSalinityGoesOnDownward)
     EXPECT_NEAR(samples[1].c, seawater::ifremer_speed(t, 37.0, latitude, samples[1].d), 1e-3);
 }
 
-TEST(ExtendIfremer, whatCannotBeFittedWithinAMetrePerSecondIsLeft)
+TEST(ExtendIfremer, WhatCannotBeFittedWithinAMetrePerSecondIsLeft)
 {
     const double warmest = speedOf(15.0, 40.0);
     const double coldest = speedOf(5.0, 30.0);
@@ -340,7 +340,7 @@ TEST(ExtendIfremer, whatCannotBeFittedWithinAMetrePerSecondIsLeft)
     }
 }
 
-TEST(ExtendIfremer, measuredSpeedsStayAsMeasured)
+TEST(ExtendIfremer, MeasuredSpeedsStayAsMeasured)
 {
     raytrace::Layers samples = layersOf({{0.0, -5.0}, {depth, speedOf(10.0, 35.0)}});
     ExtensionRows rows;
@@ -350,7 +350,7 @@ TEST(ExtendIfremer, measuredSpeedsStayAsMeasured)
     EXPECT_GT(samples[2].c, 1400.0);
 }
 
-TEST(ExtendIfremer, oddInputEndsWithoutAProfile)
+TEST(ExtendIfremer, OddInputEndsWithoutAProfile)
 {
     const double nan = std::nan("");
     const double infinity = std::numeric_limits<double>::infinity();
@@ -371,7 +371,7 @@ TEST(ExtendIfremer, oddInputEndsWithoutAProfile)
     }
 }
 
-TEST(ExtendIfremer, aProfileThatReachesFullDepthGainsNothing)
+TEST(ExtendIfremer, AProfileThatReachesFullDepthGainsNothing)
 {
     for (const double lastDepth : {12000.0, 12500.0}) {
         raytrace::Layers samples =

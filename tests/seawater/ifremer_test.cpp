@@ -19,14 +19,14 @@ double departure(double latitude, double depth)
 } // namespace
 
 // 1402.5 + 50 - 5.44 + 0.21 + 46.55 - 4.305 + 0.3045
-TEST(IfremerSpeed, isTheSumOfItsTermsAtTheSurface)
+TEST(IfremerSpeed, IsTheSumOfItsTermsAtTheSurface)
 {
     EXPECT_NEAR(ifremer_speed(10.0, 35.0, 45.0, 0.0), 1489.8195, 1e-9);
     EXPECT_NEAR(ifremer_speed(0.0, 0.0, 45.0, 0.0), 1402.5, 1e-9);
 }
 
 // Each term worked out by hand at a place where few others count.
-TEST(IfremerSpeed, hasEachTerm)
+TEST(IfremerSpeed, HasEachTerm)
 {
     // Pure cold water at 1000 m: 15.6 + 0.255 - 0.0073.
     EXPECT_NEAR(ifremer_speed(0.0, 0.0, 45.0, 1000.0), 1402.5 + 15.8477, 1e-9);
@@ -40,7 +40,7 @@ TEST(IfremerSpeed, hasEachTerm)
     EXPECT_NEAR(ifremer_speed(-1.0, 35.0, 45.0, 0.0), 1402.5 - 5.05461 + 46.983545, 1e-9);
 }
 
-TEST(IfremerSpeed, theLatitudeCountsForNextToNothing)
+TEST(IfremerSpeed, TheLatitudeCountsForNextToNothing)
 {
     EXPECT_NEAR(ifremer_speed(0.0, 0.0, 90.0, 0.0), 1402.5 + 5.4e-5, 1e-10);
     EXPECT_NEAR(ifremer_speed(0.0, 0.0, -90.0, 0.0), 1402.5 - 1.62e-4, 1e-10);
@@ -49,7 +49,7 @@ TEST(IfremerSpeed, theLatitudeCountsForNextToNothing)
 }
 
 // The surface values of UNESCO technical papers in marine science 44.
-TEST(IfremerSpeed, liesWithinItsAccuracyOfThePublishedTable)
+TEST(IfremerSpeed, LiesWithinItsAccuracyOfThePublishedTable)
 {
     const struct
     {
@@ -67,7 +67,7 @@ TEST(IfremerSpeed, liesWithinItsAccuracyOfThePublishedTable)
 
 // Another equation, in pressure: the two must tell the same of deep water once the published
 // latitude term is put back. 0.2 m/s of this formula, 0.2 of the other and of its pressure.
-TEST(IfremerSpeed, agreesWithTheEquationInPressureOnceTheDepartureIsPutBack)
+TEST(IfremerSpeed, AgreesWithTheEquationInPressureOnceTheDepartureIsPutBack)
 {
     for (const double latitude : {0.0, 45.0, 80.0}) {
         for (const double depth : {500.0, 2000.0, 4000.0, 6000.0, 8000.0}) {
@@ -80,7 +80,7 @@ TEST(IfremerSpeed, agreesWithTheEquationInPressureOnceTheDepartureIsPutBack)
 }
 
 // The table in the header.
-TEST(IfremerSpeed, theDepartureIsAsLargeAsStated)
+TEST(IfremerSpeed, TheDepartureIsAsLargeAsStated)
 {
     EXPECT_NEAR(departure(0.0, 12000.0), -0.648, 0.0005);
     EXPECT_NEAR(departure(90.0, 6000.0), 0.324, 0.0005);
@@ -88,7 +88,7 @@ TEST(IfremerSpeed, theDepartureIsAsLargeAsStated)
     EXPECT_EQ(departure(45.0, 12000.0), 0.0);
 }
 
-TEST(IfremerSpeed, passesUnknownsOn)
+TEST(IfremerSpeed, PassesUnknownsOn)
 {
     const double nan = std::nan("");
     EXPECT_TRUE(std::isnan(ifremer_speed(nan, 35.0, 45.0, 0.0)));

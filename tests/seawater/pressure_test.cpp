@@ -6,14 +6,14 @@
 
 using namespace seawater;
 
-TEST(DepthFromPressure, isZeroAtTheSurface)
+TEST(DepthFromPressure, IsZeroAtTheSurface)
 {
     EXPECT_EQ(depthFromPressure(0.0, 0.0), 0.0);
     EXPECT_EQ(pressureFromDepth(0.0, 59.5), 0.0);
 }
 
 // Depths of Saunders and Fofonoff as UNESCO technical papers in marine science 44 prints them.
-TEST(DepthFromPressure, liesWithinItsAccuracyOfThePublishedTable)
+TEST(DepthFromPressure, LiesWithinItsAccuracyOfThePublishedTable)
 {
     const struct
     {
@@ -31,7 +31,7 @@ TEST(DepthFromPressure, liesWithinItsAccuracyOfThePublishedTable)
 }
 
 // g = 1.008 at 45 degrees, so p = 2.4696e-6 d^2 + 1.008 d can be worked out by hand.
-TEST(PressureFromDepth, followsItsQuadratic)
+TEST(PressureFromDepth, FollowsItsQuadratic)
 {
     EXPECT_NEAR(pressureFromDepth(1000.0, 45.0), 1010.4696, 1e-9);
     EXPECT_NEAR(depthFromPressure(1010.4696, 45.0), 1000.0, 1e-7);
@@ -39,7 +39,7 @@ TEST(PressureFromDepth, followsItsQuadratic)
     EXPECT_NEAR(pressureFromDepth(1000.0, 90.0), 2.4696 + (1 + 0.00263) * 1008.0, 1e-9);
 }
 
-TEST(DepthFromPressure, isTheInverseOnBothHemispheres)
+TEST(DepthFromPressure, IsTheInverseOnBothHemispheres)
 {
     for (const double latitude : {-90.0, -33.25, 0.0, 12.5, 90.0}) {
         for (const double depth : {-2.0, 0.5, 100.0, 12000.0})
@@ -48,14 +48,14 @@ TEST(DepthFromPressure, isTheInverseOnBothHemispheres)
     }
 }
 
-TEST(DepthFromPressure, hasNoDepthForAnImpossiblePressure)
+TEST(DepthFromPressure, HasNoDepthForAnImpossiblePressure)
 {
     EXPECT_TRUE(std::isnan(depthFromPressure(-1e6, 0.0)));
     EXPECT_TRUE(std::isnan(depthFromPressure(std::nan(""), 0.0)));
 }
 
 // The formula in another arrangement and a wider type.
-TEST(DepthToPressure, isTheFormulaAsWritten)
+TEST(DepthToPressure, IsTheFormulaAsWritten)
 {
     for (const double latitude : {-90.0, -33.25, 0.0, 45.0, 59.5, 90.0}) {
         for (const double z : {-2.0, 0.0, 0.5, 1000.0, 5500.0, 12000.0}) {

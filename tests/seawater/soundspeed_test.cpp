@@ -6,13 +6,13 @@
 
 using seawater::chenMilleroSoundSpeed;
 
-TEST(ChenMilleroSoundSpeed, givesThePublishedCheckValue)
+TEST(ChenMilleroSoundSpeed, GivesThePublishedCheckValue)
 {
     EXPECT_NEAR(chenMilleroSoundSpeed(40.0, 40.0, 10000.0), 1731.995, 0.0005);
 }
 
 // UNESCO technical papers in marine science 44, table of sound speed, one decimal.
-TEST(ChenMilleroSoundSpeed, agreesWithThePublishedTable)
+TEST(ChenMilleroSoundSpeed, AgreesWithThePublishedTable)
 {
     const struct
     {
@@ -31,7 +31,7 @@ TEST(ChenMilleroSoundSpeed, agreesWithThePublishedTable)
             << row.salinity << " " << row.temperature << " " << row.pressure;
 }
 
-TEST(ChenMilleroSoundSpeed, takesPressureInDecibar)
+TEST(ChenMilleroSoundSpeed, TakesPressureInDecibar)
 {
     // Roughly 1.6 m/s per 100 m: a wrong unit is off by a factor of ten.
     const double rise = chenMilleroSoundSpeed(35, 10, 1000) - chenMilleroSoundSpeed(35, 10, 0);
@@ -39,7 +39,7 @@ TEST(ChenMilleroSoundSpeed, takesPressureInDecibar)
     EXPECT_LT(rise, 18.0);
 }
 
-TEST(ChenMilleroSoundSpeed, staysANumberBelowZeroSalinityAndPassesUnknownsOn)
+TEST(ChenMilleroSoundSpeed, StaysANumberBelowZeroSalinityAndPassesUnknownsOn)
 {
     EXPECT_TRUE(std::isfinite(chenMilleroSoundSpeed(-0.01, 10, 0)));
     EXPECT_TRUE(std::isnan(chenMilleroSoundSpeed(std::nan(""), 10, 0)));
@@ -48,12 +48,12 @@ TEST(ChenMilleroSoundSpeed, staysANumberBelowZeroSalinityAndPassesUnknownsOn)
 }
 
 // The correction by hand. 40 °C, 1000 bar: 0.01654·1000 - 3.232e-5·1e6 + 2.68 = -13.1.
-TEST(UnescoSoundSpeed, isThePublishedCheckValueLessTheCorrection)
+TEST(UnescoSoundSpeed, IsThePublishedCheckValueLessTheCorrection)
 {
     EXPECT_NEAR(seawater::unescoSoundSpeed(40.0, 40.0, 10000.0), 1731.995 + 13.1, 0.0005);
 }
 
-TEST(UnescoSoundSpeed, subtractsTheCorrectionForBarOfPressuresInDecibar)
+TEST(UnescoSoundSpeed, SubtractsTheCorrectionForBarOfPressuresInDecibar)
 {
     const struct
     {
@@ -82,7 +82,7 @@ TEST(UnescoSoundSpeed, subtractsTheCorrectionForBarOfPressuresInDecibar)
     }
 }
 
-TEST(UnescoSoundSpeed, passesUnknownsOn)
+TEST(UnescoSoundSpeed, PassesUnknownsOn)
 {
     EXPECT_TRUE(std::isnan(seawater::unescoSoundSpeed(std::nan(""), 10, 0)));
     EXPECT_TRUE(std::isnan(seawater::unescoSoundSpeed(35, std::nan(""), 0)));
