@@ -287,8 +287,9 @@ TEST(ReadAtlasFile, ASecondReadingForgetsTheFirst)
 
 TEST(ReadAtlasFile, HugeLinesAndFieldsPass)
 {
-    const std::string commas(20000000, ',');
-    const std::string digits(20000000, '1');
+    constexpr int many = 20'000'000;
+    const std::string commas = QByteArray(many, ',').toStdString();
+    const std::string digits = QByteArray(many, '1').toStdString();
     const Reading reading(digits + "\n" + digits + ":0," + commas + "\n59.5,10.5,1" + commas +
                           "\n58.5,10.5," + digits + ",2\n57.5,10.5,3\n");
     EXPECT_TRUE(reading.isRead);
