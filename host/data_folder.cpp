@@ -103,6 +103,11 @@ QString DataFolder::defaultProfileFolder() const
     return base_ + QStringLiteral("/qrvdata/svp_abscoeff");
 }
 
+QString DataFolder::atlasFolder() const
+{
+    return base_ + QStringLiteral("/qrvdata/woa");
+}
+
 QString DataFolder::iniFile() const
 {
     return base_ + QStringLiteral("/runcf/AbsCoeff.ini");

@@ -9,6 +9,7 @@ namespace host {
 /// The folder that stands in for the survey system's program data: settings and profiles.
 ///
 ///     <root>/Ardentide/qrvdata/svp_abscoeff/    profiles
+///     <root>/Ardentide/qrvdata/woa/             files of the World Ocean Atlas
 ///     <root>/Ardentide/runcf/AbsCoeff.ini       names the profile folder
 ///     <root>/Ardentide/tqrv/                    the engine's settings
 class DataFolder
@@ -27,6 +28,9 @@ class DataFolder
     /// The folder that AbsCoeff.ini names, read anew; absolute, with forward slashes. If the
     /// file or its key is missing, the folder that layOut() makes.
     QString profileFolder() const;
+
+    /// The folder of the atlas files that pages have handed in; made with the first one.
+    QString atlasFolder() const;
 
     /// The casts of the profile folder as the JSON object {"folder", "casts": [{"name", "kind",
     /// "size", "modified"}]}, sorted by name. Sizes are bytes, times UTC in ISO 8601.

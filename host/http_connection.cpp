@@ -3,7 +3,6 @@
 #include "host/page_connection.h"
 #include "host/site.h"
 
-#include <QUrlQuery>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
@@ -28,6 +27,13 @@ constexpr int kMostEndings = 200;
 
 constexpr std::string_view kPagePath = "/ws";
 constexpr std::string_view kCastsPath = "/api/casts";
+constexpr std::string_view kAtlasPath = "/api/atlas";
+
+/// Where files of the atlas are handed in.
+bool isUploadPath(std::string_view path)
+{
+    return path == "/api/atlas/salinity" || path == "/api/atlas/temperature";
+}
 
 std::string_view view(beast::string_view text)
 {
@@ -42,11 +48,15 @@ std::string_view pathOf(std::string_view target)
 /// The values of "also" in the query of a target.
 QStringList furtherEndings(std::string_view target)
 {
-    const std::size_t start = std::min(target.find('?'), target.size());
-    const QString query = QString::fromUtf8(target.data() + start, int(target.size() - start));
-    return QUrlQuery(query.mid(1))
+    return queryOf(target)
         .allQueryItemValues(QStringLiteral("also"), QUrl::FullyDecoded)
         .mid(0, kMostEndings);
+}
+
+std::string sizeText(std::size_t bytes)
+{
+    return bytes < kMiB ? std::to_string(bytes / kKiB) + " KiB"
+                        : std::to_string(bytes / kMiB) + " MiB";
 }
 
 } // namespace
@@ -112,7 +122,8 @@ void HttpConnection::readHeader()
 {
     parser_.emplace();
     parser_->header_limit(static_cast<std::uint32_t>(site_.limits.headerBytes));
-    parser_->body_limit(site_.limits.bodyBytes);
+    // What this request may have is known by its path.
+    parser_->body_limit(std::max(site_.limits.bodyBytes, site_.limits.atlasFileBytes));
     headerBytes_ = 0;
     // One deadline for the whole header: a client that sends a byte now and then does not move it.
     stream_.expires_after(site_.limits.headerTimeout);
@@ -139,7 +150,30 @@ void HttpConnection::onHeader(Error error)
     busy_ = true;
     if (error)
         return refuseMalformed(error);
+    const auto length = parser_->content_length();
+    if (length && *length > bodyLimit())
+        return refuseLongBody();
+    parser_->body_limit(bodyLimit());
     route();
+}
+
+std::string_view HttpConnection::path() const
+{
+    return pathOf(view(parser_->get().target()));
+}
+
+std::size_t HttpConnection::bodyLimit() const
+{
+    if (isUploadPath(path()))
+        return site_.limits.atlasFileBytes;
+    return path() == kAtlasPath ? site_.limits.settingsBytes : site_.limits.bodyBytes;
+}
+
+void HttpConnection::refuseLongBody()
+{
+    respondAndClose(
+        sentence(http::status::payload_too_large, "The body of the request is too long; at most " +
+                                                      sizeText(bodyLimit()) + " are taken."));
 }
 
 void HttpConnection::refuseMalformed(Error error)
@@ -148,10 +182,7 @@ void HttpConnection::refuseMalformed(Error error)
         return respondAndClose(sentence(http::status::request_header_fields_too_large,
                                         "The header of the request is too long."));
     if (error == http::error::body_limit)
-        return respondAndClose(sentence(http::status::payload_too_large,
-                                        "The body of the request is too long; at most " +
-                                            std::to_string(site_.limits.bodyBytes / kMiB) +
-                                            " MiB are taken."));
+        return refuseLongBody();
     // Everything else of this category is a broken request, but for the two ends of a connection.
     if (error.category() == http::make_error_code(http::error::bad_method).category() &&
         error != http::error::end_of_stream && error != http::error::partial_message)
@@ -200,11 +231,16 @@ void HttpConnection::route()
         return respondAndClose(std::move(*refused));
 
     const Request& request = parser_->get();
-    const std::string_view path = pathOf(view(request.target()));
+    const std::string_view path = this->path();
     const bool isPost = request.method() == http::verb::post;
     const auto& posts = site_.postPaths;
     if (std::find(posts.begin(), posts.end(), path) != posts.end())
-        return isPost ? readPostBody() : respond(methodNotAllowed("POST"));
+        return isPost ? askForBody() : respond(methodNotAllowed("POST"));
+    if (path == kAtlasPath)
+        return routeAtlas();
+    if (isUploadPath(path))
+        return request.method() == http::verb::put ? receiveUpload()
+                                                   : respond(methodNotAllowed("PUT"));
     if (!isFileMethod())
         return respond(methodNotAllowed("GET, HEAD"));
     if (path == kPagePath)
@@ -247,16 +283,15 @@ void HttpConnection::upgrade()
         ->accept(parser_->release());
 }
 
-// ---- POST ------------------------------------------------------------------------------------
+// ---- bodies, POST ----------------------------------------------------------------------------
 
-void HttpConnection::readPostBody()
+void HttpConnection::askForBody()
 {
     const Request& request = parser_->get();
     stream_.expires_after(site_.limits.bodyTimeout);
     if (!beast::iequals(request[http::field::expect], "100-continue"))
         return readBody();
     // Such a client holds its body back, in case that we refuse. We have not.
-    static constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
     net::async_write(stream_, net::buffer(kContinue.data(), kContinue.size()),
                      [self = shared_from_this()](Error error, std::size_t) {
                          if (!error)
@@ -275,22 +310,41 @@ void HttpConnection::onBody(Error error)
 {
     if (error)
         return refuseMalformed(error);
-    forwardPost();
+    if (path() != kAtlasPath)
+        return forwardPost();
+    const std::string& body = parser_->get().body();
+    askAtlas([json = QByteArray::fromStdString(body)](const AtlasSettings& atlas) {
+        return atlas.write(json);
+    });
+}
+
+/// The answer comes from another thread; the connection stays for it until that is late.
+void HttpConnection::awaitAnswer(std::string_view reasonIfLate)
+{
+    awaitsAnswer_ = true;
+    stream_.expires_never();
+    answerTimer_.expires_after(site_.limits.pluginTimeout);
+    answerTimer_.async_wait([self = shared_from_this(), reasonIfLate](Error error) {
+        if (!error)
+            self->onAnswerMissing(reasonIfLate, http::status::gateway_timeout);
+    });
+}
+
+/// False when no answer is awaited any more.
+bool HttpConnection::takeAnswer()
+{
+    if (!awaitsAnswer_)
+        return false;
+    awaitsAnswer_ = false;
+    answerTimer_.cancel();
+    return true;
 }
 
 void HttpConnection::forwardPost()
 {
-    awaitsAnswer_ = true;
-    stream_.expires_never();
-    const auto self = shared_from_this();
-    answerTimer_.expires_after(site_.limits.pluginTimeout);
-    answerTimer_.async_wait([self](Error error) {
-        if (!error)
-            self->onAnswerMissing("The plug-in did not answer in time.",
-                                  http::status::gateway_timeout);
-    });
+    awaitAnswer("The plug-in did not answer in time.");
     // Weak, since the call may still be queued when the I/O thread has gone.
-    const std::weak_ptr<HttpConnection> weak = self;
+    const std::weak_ptr<HttpConnection> weak = shared_from_this();
     net::io_context& io = site_.io;
     site_.plugin.forwardPost(
         number_, requestText(parser_->get()), [weak, &io](const QString& failure) {
@@ -306,19 +360,15 @@ void HttpConnection::forwardPost()
 
 void HttpConnection::onAnswerMissing(std::string_view reason, http::status status)
 {
-    if (!awaitsAnswer_)
+    if (!takeAnswer())
         return;
-    awaitsAnswer_ = false;
-    answerTimer_.cancel();
     respondAndClose(sentence(status, reason));
 }
 
 void HttpConnection::answer(const QByteArray& response)
 {
-    if (!awaitsAnswer_)
+    if (!takeAnswer())
         return;
-    awaitsAnswer_ = false;
-    answerTimer_.cancel();
     answer_ = response;
     closeAfterwards_ = true;
     stream_.expires_after(site_.limits.writeTimeout);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/atlas_settings.h"
 #include "host/hub.h"
 #include "host/messages.h"
 
@@ -9,6 +10,7 @@
 #include <boost/beast/core/tcp_stream.hpp>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -17,8 +19,8 @@ namespace host {
 
 struct Site;
 
-/// One client's connection as long as it speaks plain HTTP: files, the list of casts, POSTs for
-/// the plug-in. An upgrade hands the socket on to a PageConnection.
+/// One client's connection as long as it speaks plain HTTP: files, the list of casts, the atlas,
+/// POSTs for the plug-in. An upgrade hands the socket on to a PageConnection.
 class HttpConnection final : public Connection, public std::enable_shared_from_this<HttpConnection>
 {
   public:
@@ -47,14 +49,24 @@ class HttpConnection final : public Connection, public std::enable_shared_from_t
     void routeStatic(std::string_view path);
     void upgrade();
 
-    void readPostBody();
+    void routeAtlas();
+    void askAtlas(std::function<AtlasAnswer(const AtlasSettings&)> question);
+    void onAtlasAnswer(const AtlasAnswer& answer);
+    void receiveUpload();
+
+    void askForBody();
     void readBody();
     void onBody(Error error);
     void forwardPost();
+    void awaitAnswer(std::string_view reasonIfLate);
+    bool takeAnswer();
     void onAnswerMissing(std::string_view reason, boost::beast::http::status status);
 
     bool isFileMethod() const;
+    std::string_view path() const;
+    std::size_t bodyLimit() const;
     void refuseMalformed(Error error);
+    void refuseLongBody();
     void respond(Response response);
     void respondAndClose(Response response);
     void write(Response response);

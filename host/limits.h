@@ -27,6 +27,15 @@ struct Limits
     /// Body of a POST, in bytes, after the transfer coding is undone. More is answered 413.
     std::size_t bodyBytes = 32 * kMiB;
 
+    /// One file of the atlas, in bytes. More is answered 413.
+    std::size_t atlasFileBytes = 512 * kMiB;
+
+    /// The atlas settings as a page sends them, in bytes. More is answered 413.
+    std::size_t settingsBytes = 64 * kKiB;
+
+    /// Files of the atlas that are being received at once. One more is answered 503.
+    std::size_t uploads = 4;
+
     /// One web-socket message, in bytes. More closes the page with code 1009.
     std::size_t messageBytes = 16 * kMiB;
 
@@ -44,6 +53,9 @@ struct Limits
 
     /// From the end of the header to the end of the body.
     Time bodyTimeout = std::chrono::seconds(60);
+
+    /// For a file of the atlas to arrive as a whole; its pieces have the time of a body each.
+    Time uploadTimeout = std::chrono::minutes(30);
 
     /// Between two requests on one connection.
     Time idleTimeout = std::chrono::seconds(30);

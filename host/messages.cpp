@@ -87,4 +87,11 @@ QByteArray requestText(const Request& request)
     return text;
 }
 
+QUrlQuery queryOf(std::string_view target)
+{
+    const std::size_t start = std::min(target.find('?'), target.size());
+    const QString query = QString::fromUtf8(target.data() + start, int(target.size() - start));
+    return QUrlQuery(query.mid(1));
+}
+
 } // namespace host

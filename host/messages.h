@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QUrlQuery>
 #include <boost/beast/http.hpp>
 
 #include <string>
@@ -11,6 +12,9 @@ namespace host {
 
 using Request = boost::beast::http::request<boost::beast::http::string_body>;
 using Response = boost::beast::http::response<boost::beast::http::string_body>;
+
+/// What a client that holds its body back, in case that it is refused, waits for.
+constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 
 /// A response with the header fields that every one of them carries: what the page may load, no
 /// guessing of types, no referrer, no use of a stale copy.
@@ -30,5 +34,8 @@ Response methodNotAllowed(std::string_view allowed);
 /// the connection itself are left out. Content-Length and Content-Type come first, since readers
 /// that search the text for them shall not find something else before.
 QByteArray requestText(const Request& request);
+
+/// What follows the "?" of a request's target.
+QUrlQuery queryOf(std::string_view target);
 
 } // namespace host

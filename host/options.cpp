@@ -20,6 +20,8 @@ struct LimitOption
 
 constexpr LimitOption kLimitOptions[] = {
     {"max-connections", nullptr, &Limits::connections},
+    {"atlas-file-bytes", nullptr, &Limits::atlasFileBytes},
+    {"uploads", nullptr, &Limits::uploads},
     {"page-queue-bytes", nullptr, &Limits::pageQueueBytes},
     {"header-timeout-ms", &Limits::headerTimeout, nullptr},
     {"body-timeout-ms", &Limits::bodyTimeout, nullptr},

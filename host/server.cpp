@@ -38,8 +38,12 @@ std::vector<std::string> hostNames(const Options& options)
 } // namespace
 
 Server::Server(const Options& options, PluginGateway& plugin, std::function<void()> onStop)
-    : site_{options.limits, AccessRules(hostNames(options)), StaticFiles(options.webFolder),
-            DataFolder(options.dataFolder), plugin},
+    : site_{options.limits,
+            AccessRules(hostNames(options)),
+            StaticFiles(options.webFolder),
+            DataFolder(options.dataFolder),
+            AtlasSettings(DataFolder(options.dataFolder).atlasFolder()),
+            plugin},
       address_(options.listenAddress.toStdString()), port_(options.listenPort),
       onStop_(std::move(onStop)), acceptor_(site_.io), acceptTimer_(site_.io), signals_(site_.io),
       farewellTimer_(site_.io), stopTimer_(site_.io), keepRunning_(site_.io.get_executor())

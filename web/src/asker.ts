@@ -1,4 +1,5 @@
 /// Requests whose answer a part of the page waits for, one step after the other.
+import { isComparison } from "./comparison";
 import type { Connection, ConnectionState } from "./connection";
 import { Action, SUCCESS, requestFrame, type Packet } from "./protocol";
 
@@ -59,6 +60,8 @@ export class Asker {
   }
 
   private onPacket(action: Action, packet: Packet): void {
+    // It answers nothing, whatever it says.
+    if (isComparison(packet)) return;
     const ofAction = this.waiting.filter((each) => each.action === action);
     if (packet.result !== SUCCESS || packet.reason === UNREADABLE) {
       const request = ofAction.find(({ resolve }) => resolve !== null);

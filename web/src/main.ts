@@ -29,6 +29,7 @@ import {
 import { Output, leftOut } from "./output";
 import { isOwnFile } from "./own-files";
 import { postFile } from "./post-file";
+import { Repair } from "./repair";
 import { sameFile, sameProfile, type Profile } from "./profile";
 import { Action, SUCCESS } from "./protocol";
 import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
@@ -63,7 +64,9 @@ const engine = new Engine(connection, {
   },
   checkFailed: (name, reason) =>
     messages.add({ kind: "failure", text: `${name} could not be checked. ${reason}` }),
-  openedElsewhere: offer,
+  openedElsewhere: (profile) => {
+    if (!repair.isReading(profile.filename)) offer(profile);
+  },
   alerted: (text) => messages.add({ kind: "alert", text: text || "Alert without a text" }),
   silent: () => messages.add({ kind: "failure", text: "The engine does not answer." }),
   refused: (reason) =>
@@ -125,12 +128,10 @@ const outbox = new Outbox(connection, {
   savedElsewhere: () => void refresh(),
   waiting: showWaiting,
 });
-const output = new Output(outbox, () => castView.open, async (name) => {
-  await refresh();
-  return castList.listed(name);
-});
+const output = new Output(outbox, () => castView.open, listedNow);
 const asker = new Asker(connection, [
   Action.extendDefault, Action.extendTempSal, Action.extendFile, Action.extensionName, Action.thin, Action.open,
+  Action.fix, Action.rays,
 ]);
 const extendDialog = new ExtendDialog(new Extender(asker, postFile), {
   extended: (before, way, result) => {
@@ -153,11 +154,19 @@ const thinDialog = new ThinDialog(new Thinner(asker, connection), {
   },
   written: wroteThinned,
   occasion: (profile) => output.occasion(profile),
-  listed: async (name) => {
-    await refresh();
-    return castList.listed(name);
-  },
+  listed: listedNow,
   extend: () => extend(),
+  check: () => check(),
+});
+const repair = new Repair(asker, connection, {
+  open: () => castView.open,
+  change,
+  saved: (name, profile) => edits.saved(name, profile),
+  mark: (name) => castList.mark(name),
+  notice: (text) => messages.add({ kind: "notice", text }),
+  refresh: () => refresh(),
+  listed: listedNow,
+  occasion: (profile) => output.occasion(profile),
   check: () => check(),
 });
 // A file that this page or another one has written.
@@ -167,6 +176,12 @@ connection.on(Action.thin, ({ result, file }) => {
 
 function wroteThinned(before: Profile, { path }: ThinnedFile): void {
   messages.add({ kind: "notice", text: `${before.filename} was thinned and written as ${path}.` });
+}
+
+/// The name in the profile folder, read anew, of a file that `name` would replace, or "".
+async function listedNow(name: string): Promise<string> {
+  await refresh();
+  return castList.listed(name);
 }
 
 const sendButton = byId<HTMLButtonElement>("send");
@@ -228,6 +243,7 @@ function arrived(profile: Profile): void {
 function show(profile: Profile): void {
   agreed = null;
   edits.opened(profile);
+  repair.opened(profile);
   put({ profile, verdict: null });
 }
 
@@ -244,7 +260,10 @@ function put(state: CastState): void {
 /// Puts what was made of the open cast in its place.
 function change(label: string, profile: Profile): void {
   const before = castView.state;
-  if (before) edits.changed(label, before);
+  if (before) {
+    edits.changed(label, before);
+    repair.changed(before.profile, profile);
+  }
   put({ profile, verdict: null });
 }
 
@@ -303,6 +322,7 @@ function showWaiting(): void {
   saveButton.disabled = !isOpen;
   byId<HTMLButtonElement>("extend").disabled = !isOpen;
   byId<HTMLButtonElement>("thin").disabled = !isOpen;
+  repair.enable(isOpen);
 }
 
 function showUpload(): void {
@@ -386,6 +406,7 @@ const shortcuts: Shortcut[] = [
   { key: "0", text: "Show all levels", run: () => castView.reset() },
   { key: "E", text: "Extend the open cast to full ocean depth", run: extend },
   { key: "H", text: "Thin the open cast", run: thin },
+  ...repair.shortcuts,
   { key: "U", text: "Undo: one step back", run: undo },
   { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => sendMenu.open() },
   { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },

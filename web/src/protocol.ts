@@ -26,7 +26,10 @@ export const Action = {
   extendFile: "ExtendWithFile",
   /// The engine spells it so.
   extensionName: "SelectExtentionFile",
+  /// Also the name under which the comparison that follows a fix comes.
   thin: "Thin",
+  fix: "FixProfile",
+  rays: "ShowRaypath",
   alert: "SVPAlert",
 } as const;
 export type Action = (typeof Action)[keyof typeof Action];
@@ -81,12 +84,17 @@ export interface Packet extends Header, Partial<Record<ListKey, unknown>> {
   svpY?: unknown;
   /// Check: the verdict, its lines separated by line feeds.
   tofix?: string;
-  /// Send: the file's name as it was sent, and "S" with the datagram's content identifier. Thin: the
-  /// name of the file written.
+  /// Send: the file's name as it was sent, and "S" with the datagram's content identifier. Thin, fix:
+  /// the name of the file written; "" marks the comparison that follows a fix.
   file?: string;
   svptype?: string;
-  /// Save, Thin: full path of the file written.
+  /// Save, Thin, fix: full path of the file written.
   fullname?: string;
+  /// Rays: horizontal distances and depths (m) of the points of both paths.
+  svp1X?: unknown;
+  svp1Y?: unknown;
+  svp2X?: unknown;
+  svp2Y?: unknown;
   /// Filters: the rows of the user's table, with "|" between them.
   filters?: string;
   /// Name under which an extension file is to be handed in.

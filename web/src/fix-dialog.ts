@@ -1,0 +1,242 @@
+/// The dialog in which the user has the open cast fixed, and sees what came of it.
+import { readAtlas } from "./atlas";
+import { ComparisonView } from "./comparison-view";
+import { ask } from "./dialog";
+import { button, make } from "./dom";
+import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText } from "./fix-words";
+import type { Fixed, FixedFile, Fixer } from "./fixer";
+import { fixedName, fixedProfile, lacksSurface, withSurface } from "./fixing";
+import { NumberField } from "./number-field";
+import type { Profile } from "./profile";
+import type { Occasion } from "./protocol-output";
+import { PROPOSED_TOLERANCE, TOLERANCES } from "./thinning";
+import { rangeFault } from "./typed-number";
+
+export interface FixDialogEvents {
+  /// A fixed profile was written, and read back.
+  fixed(before: Profile, after: Profile, file: FixedFile): void;
+  /// A file was written, but its profile is not at hand: why, or "" where a failure had been told.
+  written(before: Profile, file: FixedFile, reason: string): void;
+  /// A level at the surface was put in front of what a fix had made.
+  surfaced(before: Profile, after: Profile): void;
+  /// Time and place of a profile, asked for where it does not state them; null when the user does
+  /// not state them either.
+  occasion(profile: Profile): Promise<Occasion | null>;
+  /// The name in the profile folder of a file that `name` would replace, or "".
+  listed(name: string): Promise<string>;
+  atlas(): void;
+  check(): void;
+}
+
+/// What the two profiles are called where they are compared.
+const NAMES = { first: "as it came in", second: "fixed" };
+
+export class FixDialog {
+  private readonly dialog = make("dialog", "question extend fix");
+  private readonly title = make("h2");
+  private readonly asking = make("div", "fix-asking");
+  private readonly tolerance = new NumberField(
+    "fix-tolerance",
+    "Tolerance of thinning",
+    "0.01 to 1.0: how far a level may lie from the line through its neighbours, in metres and m/s.",
+    (text) => rangeFault(text, "The tolerance", ...TOLERANCES, ""),
+  );
+  private readonly source = make("p", "field-hint");
+  private readonly status = make("p", "dialog-status");
+  private readonly confirm = make("button", "primary", "Fix");
+  private readonly checkButton = this.leaving("Check the cast", () => this.events.check());
+  private readonly atlasButton = this.leaving("World Ocean Atlas…", () => this.events.atlas());
+  private readonly cancel = button("", "Cancel", () => this.dialog.close());
+
+  private readonly result = make("div", "fix-result");
+  private readonly facts = make("div", "thin-facts fix-facts");
+  private readonly largest = make("p", "fix-largest");
+  private readonly comparison = new ComparisonView(NAMES);
+  private readonly surfaceButton = button("", "Add a level at 0 m", () => this.addSurface());
+  private readonly close = button("primary", "Close", () => this.dialog.close());
+
+  private profile: Profile | null = null;
+  private after: Profile | null = null;
+  private turn = 0;
+
+  constructor(
+    private readonly fixer: Fixer,
+    private readonly events: FixDialogEvents,
+  ) {
+    this.build();
+  }
+
+  show(profile: Profile): void {
+    if (this.dialog.open) return;
+    this.profile = profile;
+    this.after = null;
+    this.ask();
+    this.tolerance.value = this.tolerance.input.value || String(PROPOSED_TOLERANCE);
+    this.rest(false);
+    this.tell("");
+    this.dialog.showModal();
+    this.tolerance.focus();
+    void this.tellSource();
+  }
+
+  private build(): void {
+    const { dialog, title, status, confirm, facts, largest } = this;
+    title.id = "fix-title";
+    dialog.setAttribute("aria-labelledby", title.id);
+    status.setAttribute("role", "status");
+    facts.setAttribute("role", "status");
+    largest.setAttribute("role", "status");
+    this.asking.append(
+      make(
+        "p",
+        "",
+        "Invalid levels are left out, the cast is continued to full ocean depth, and levels that lie on " +
+          "the line between others are left out. What remains is written as a file of its own.",
+      ),
+      this.tolerance.element,
+      this.source,
+    );
+    this.result.append(facts, largest, this.comparison.element);
+    confirm.type = "submit";
+    const form = make("form", "", title, this.asking, this.result, status,
+      make("div", "question-buttons", this.checkButton, this.atlasButton, this.surfaceButton, this.cancel, confirm, this.close));
+    form.method = "dialog";
+    form.noValidate = true;
+    form.addEventListener("submit", (event) => {
+      event.preventDefault();
+      void this.fix();
+    });
+    dialog.addEventListener("close", () => {
+      this.turn += 1;
+      this.profile = null;
+      this.after = null;
+      this.comparison.show(null);
+    });
+    dialog.append(form);
+    document.body.append(dialog);
+  }
+
+  /// A button that leads from this dialog to something else.
+  private leaving(label: string, run: () => void): HTMLButtonElement {
+    return button("", label, () => {
+      this.dialog.close();
+      run();
+    });
+  }
+
+  /// Says with what the cast will be continued, as far as the host tells.
+  private async tellSource(): Promise<void> {
+    const { turn } = this;
+    this.source.textContent = "";
+    const answer = await readAtlas();
+    if (turn !== this.turn || !("state" in answer)) return;
+    this.source.textContent = answer.state.use
+      ? "It is continued with the World Ocean Atlas, which is switched on."
+      : "It is continued with the extension rows; the World Ocean Atlas is switched off.";
+  }
+
+  private async fix(): Promise<void> {
+    const { profile } = this;
+    if (!profile || this.after || this.confirm.disabled) return;
+    const tolerance = this.tolerance.take();
+    if (tolerance === null) return this.tolerance.focus();
+    const name = fixedName(profile);
+    const older = await this.events.listed(name);
+    if (older && !(await mayReplace(older))) return;
+    const occasion = await this.events.occasion(profile);
+    if (!occasion || profile !== this.profile) return;
+    const turn = ++this.turn;
+    this.rest(true);
+    this.tell("Fixing…");
+    const outcome = await this.fixer.fix(profile, tolerance, occasion, (file) => this.events.written(profile, file, ""));
+    const isLeft = turn !== this.turn;
+    if (!isLeft) this.rest(false);
+    if ("reason" in outcome) {
+      if (!isLeft) this.fail(profile, outcome.reason);
+    } else if ("reason" in outcome.read) {
+      if (!isLeft) this.dialog.close();
+      this.events.written(profile, outcome.file, outcome.read.reason);
+    } else {
+      this.done(profile, outcome, outcome.read.profile, isLeft);
+    }
+  }
+
+  private done(before: Profile, { file, compared }: Fixed, read: Profile, isLeft: boolean): void {
+    const { profile: after, facts } = fixedProfile(before, read);
+    this.events.fixed(before, after, file);
+    if (isLeft) return;
+    this.after = after;
+    this.facts.replaceChildren(make("p", "", fixedLines(before, after, facts, file).join(" ")));
+    const comparison = "comparison" in compared ? compared.comparison : null;
+    this.largest.textContent = comparison
+      ? largestText(comparison, NAMES.first, NAMES.second)
+      : `The two could not be compared. ${"reason" in compared ? compared.reason : ""}`.trim();
+    this.showResult(before.filename);
+    this.comparison.show(comparison);
+    this.close.focus();
+  }
+
+  private addSurface(): void {
+    const before = this.after;
+    if (!before || !lacksSurface(before)) return;
+    const after = withSurface(before);
+    this.after = after;
+    this.surfaceButton.hidden = true;
+    this.facts.append(make("p", "", "A level at 0 m was put in front, with the sound speed of the first level. It is not saved yet."));
+    this.events.surfaced(before, after);
+    this.close.focus();
+  }
+
+  private ask(): void {
+    this.title.textContent = "Fix the cast";
+    this.dialog.classList.remove("with-result");
+    this.asking.hidden = false;
+    this.result.hidden = true;
+    this.comparison.show(null);
+    this.confirm.hidden = this.cancel.hidden = false;
+    this.surfaceButton.hidden = this.close.hidden = true;
+  }
+
+  private showResult(name: string): void {
+    this.title.textContent = `${name} is fixed`;
+    this.dialog.classList.add("with-result");
+    this.asking.hidden = true;
+    this.result.hidden = false;
+    this.tell("");
+    this.confirm.hidden = this.cancel.hidden = true;
+    this.close.hidden = false;
+    this.surfaceButton.hidden = !this.after || !lacksSurface(this.after);
+  }
+
+  private fail(profile: Profile, reason: string): void {
+    this.tell(fixFailedText(profile, reason), true);
+    this.checkButton.hidden = !isAboutLevels(reason);
+    this.atlasButton.hidden = !isAboutAtlas(reason);
+  }
+
+  private rest(busy: boolean): void {
+    this.dialog.setAttribute("aria-busy", String(busy));
+    this.confirm.disabled = busy;
+  }
+
+  private tell(text: string, isFailure = false): void {
+    this.checkButton.hidden = true;
+    this.atlasButton.hidden = true;
+    this.status.textContent = text;
+    this.status.hidden = text === "";
+    this.status.setAttribute("role", isFailure ? "alert" : "status");
+    this.status.classList.toggle("field-fault", isFailure);
+  }
+}
+
+async function mayReplace(name: string): Promise<boolean> {
+  const fate = /\.ssp$/i.test(name)
+    ? "; the older file is kept beside it, with “_bck_” and the time in its name."
+    : ", and no copy of it is kept.";
+  const answer = await ask({
+    title: `Replace ${name}?`,
+    text: [`${name} is in the profile folder already. It will be replaced${fate}`],
+    confirm: "Replace",
+  });
+  return answer !== null;
+}
