@@ -1,13 +1,17 @@
 /// The open cast: plot, table, header, facts and verdict, and the level selected in all of them.
-import { legend } from "./legend";
 import { columnsOf, plotQuantities, valueText, type Column, type PlotQuantity } from "./columns";
-import { byId, make } from "./dom";
+import { button, byId, make } from "./dom";
 import type { Verdict } from "./engine";
 import { formatClock, formatCount } from "./format";
 import { headerRows } from "./header-fields";
+import { legend, type LegendEntry } from "./legend";
 import { LevelTable } from "./level-table";
-import { PlotView } from "./plot-view";
-import { isJoined, type Profile } from "./profile";
+import { PlotView, type PlotEdits } from "./plot-view";
+import { baseName, isJoined, type Profile } from "./profile";
+import type { ListKey } from "./protocol";
+
+/// Name of the performance entry that tells how long a cast took to be drawn.
+const DRAWING = "cast drawn";
 
 /// A verdict and when it was given.
 interface ToldVerdict extends Verdict {
@@ -27,6 +31,9 @@ export class CastView {
   private verdict: ToldVerdict | null = null;
   private selected = -1;
   private quantities: readonly PlotQuantity[] = [];
+  /// Quantities whose panels the user has put away, in this cast and the next ones.
+  private readonly away = new Set<ListKey>();
+  private compared: Profile | null = null;
 
   private readonly title = byId("cast-title");
   private readonly facts = byId("cast-facts");
@@ -34,20 +41,18 @@ export class CastView {
   private readonly fitValid = byId<HTMLButtonElement>("fit-valid");
   private readonly nextInvalid = byId<HTMLButtonElement>("next-invalid");
   private readonly resetZoom = byId<HTMLButtonElement>("reset-zoom");
-  private readonly quantityChoice = byId<HTMLSelectElement>("plot-quantity");
+  private readonly panelChoice = byId("plot-panels");
+  private readonly legend = byId("plot-legend");
   private readonly plot = new PlotView(byId("plot"), {
-    select: (level) => this.select(level),
+    select: (level) => void this.select(level),
     zoomed: (zoomed) => (this.resetZoom.disabled = !zoomed),
+    summarised: (text) => (byId("plot-summary").textContent = text),
   });
-  private readonly table = new LevelTable(byId("level-table"), (level) => this.select(level));
+  private readonly table = new LevelTable(byId("level-table"), (level) => void this.select(level));
 
   constructor() {
-    byId("plot-legend").append(
-      legend([{ key: "measured", label: "Measured" }, { key: "joined", label: "Joined" }]),
-    );
     this.resetZoom.addEventListener("click", () => this.plot.reset());
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
-    this.quantityChoice.addEventListener("change", () => this.plot.showQuantity(this.quantity));
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
   }
 
@@ -66,10 +71,48 @@ export class CastView {
     return this.profile;
   }
 
-  /// Shows a profile in place of the one before; nothing of that one's check stays.
+  /// Shows a profile in place of the one before; nothing of that one's check stays. What it is
+  /// compared with stays, unless it is the same.
   show(profile: Profile): void {
+    const begun = performance.now();
+    this.take(profile);
+    if (this.compared === profile) this.compared = null;
+    this.plot.show(profile, this.columns, ...this.panels);
+    this.plot.showUnder(this.compared && underOf(this.compared));
+    this.showFacts();
+    void this.select(-1).then(() => noteDrawn(begun));
+  }
+
+  /// Shows what became of the open profile by an edit: zoom and comparison stay, and `selected` is
+  /// marked. Nothing of the check stays.
+  update(profile: Profile, selected: number): void {
+    this.take(profile);
+    this.plot.update(profile, this.columns, ...this.panels);
+    this.showFacts();
+    void this.select(Math.min(selected, profile.count - 1));
+  }
+
+  /// Who is told of what the user does to levels in the plot.
+  onPlotEdit(edits: PlotEdits): void {
+    this.plot.onEdit(edits);
+  }
+
+  /// Whether levels are edited in the plot by dragging and double click.
+  setEditing(on: boolean): void {
+    this.plot.setEditing(on);
+  }
+
+  /// Lays another profile under the open one; null takes it away.
+  compare(other: Profile | null): void {
+    this.compared = other;
+    this.plot.showUnder(other && underOf(other));
+    this.showLegend();
+  }
+
+  private take(profile: Profile): void {
     this.profile = profile;
     this.columns = columnsOf(profile);
+    this.quantities = plotQuantities(this.columns);
     this.invalid = [];
     this.verdict = null;
     document.body.dataset["cast"] = profile.filename;
@@ -80,27 +123,42 @@ export class CastView {
     byId("verdict").hidden = true;
     this.showHeader(profile);
     this.table.show(profile, this.columns);
-    this.showQuantities();
-    this.plot.show(profile, this.columns, this.quantity);
-    this.showFacts();
-    this.select(-1);
+    this.showPanelChoice();
   }
 
-  /// What is plotted: as for the cast before where this one has it, otherwise sound speed.
-  private get quantity(): PlotQuantity {
-    const { quantities, quantityChoice } = this;
-    const chosen = quantities.find(({ key }) => key === quantityChoice.value) ?? quantities[0];
-    if (!chosen) throw new Error("a profile without sound speeds");
-    return chosen;
+  /// What is plotted: sound speed always, and what else the cast has and the user wants.
+  private get panels(): readonly PlotQuantity[] {
+    return this.quantities.filter(({ key }) => key === "svp_Speed" || !this.away.has(key));
   }
 
-  private showQuantities(): void {
-    const { quantityChoice } = this;
-    const before = quantityChoice.value;
-    this.quantities = plotQuantities(this.columns);
-    quantityChoice.replaceChildren(...this.quantities.map(({ key, name }) => new Option(name, key)));
-    if (this.quantities.some(({ key }) => key === before)) quantityChoice.value = before;
-    quantityChoice.hidden = this.quantities.length < 2;
+  private showPanelChoice(): void {
+    const { panelChoice, away, quantities } = this;
+    const others = quantities.filter(({ key }) => key !== "svp_Speed");
+    panelChoice.replaceChildren(...others.map(({ key, name }) => {
+      const label = this.columns.find((column) => column.key === key)?.label ?? name;
+      const toggle = button("panel-toggle", label, () => {
+        if (!away.delete(key)) away.add(key);
+        toggle.setAttribute("aria-pressed", String(!away.has(key)));
+        if (this.profile) this.plot.update(this.profile, this.columns, ...this.panels);
+      });
+      toggle.setAttribute("aria-label", name);
+      toggle.setAttribute("aria-pressed", String(!away.has(key)));
+      toggle.title = `${name} beside sound speed`;
+      return toggle;
+    }));
+    panelChoice.hidden = others.length === 0;
+  }
+
+  private showLegend(): void {
+    const joined = this.profile?.joined?.size ?? 0;
+    const entries: LegendEntry[] = [{ key: "measured", label: "Measured" }];
+    if (joined > 0) entries.push({ key: "joined", label: "Joined" });
+    if (this.compared) {
+      const label = baseName(this.compared.filename);
+      entries.push({ key: "under", label, remove: () => this.compare(null) });
+    }
+    this.legend.replaceChildren(legend(entries));
+    this.legend.hidden = entries.length < 2;
   }
 
   showVerdict(verdict: Verdict): void {
@@ -127,7 +185,7 @@ export class CastView {
   /// Goes to the invalid level after the selected one, and from the last to the first.
   selectNextInvalid(): void {
     const next = this.invalid.find((level) => level > this.selected) ?? this.invalid[0];
-    if (next !== undefined) this.select(next);
+    if (next !== undefined) void this.select(next);
   }
 
   reset(): void {
@@ -135,7 +193,7 @@ export class CastView {
   }
 
   fit(): void {
-    if (this.invalid.length > 0) this.plot.fitValid();
+    if (!this.fitValid.hidden) this.plot.fitValid();
   }
 
   focusPlot(): void {
@@ -146,11 +204,12 @@ export class CastView {
     this.table.focus();
   }
 
-  private select(level: number): void {
+  /// Resolves when plot and table show it.
+  private async select(level: number): Promise<void> {
     this.selected = level;
     this.plot.markSelected(level);
-    void this.table.markSelected(level);
     this.showReadout();
+    await this.table.markSelected(level);
   }
 
   private showFacts(): void {
@@ -160,9 +219,12 @@ export class CastView {
     this.facts.textContent = `${formatCount(count)} ${count === 1 ? "level" : "levels"}`;
     const joined = this.profile.joined?.size ?? 0;
     if (joined > 0) this.facts.append(` · ${formatCount(joined)} joined`);
-    byId("plot-legend").hidden = joined === 0;
+    this.showLegend();
     if (bad > 0) this.facts.append(" · ", make("span", "bad", `${formatCount(bad)} invalid`));
-    this.fitValid.hidden = bad === 0 || bad === count;
+    const rest = count - new Set([...this.invalid, ...(this.profile.joined ?? [])]).size;
+    this.fitValid.hidden = rest === 0 || rest === count;
+    this.fitValid.replaceChildren("Fit", make("span", "when-wide", joined > 0 ? " measured" : " valid"));
+    this.fitValid.title = joined > 0 ? "Zoom to the levels that were measured (F)" : "Zoom to the levels that are valid (F)";
     this.nextInvalid.hidden = bad === 0;
   }
 
@@ -189,4 +251,19 @@ export class CastView {
       }),
     );
   }
+}
+
+function underOf(profile: Profile) {
+  const columns = columnsOf(profile);
+  return { profile, columns, quantities: plotQuantities(columns) };
+}
+
+/// Notes among the browser's performance entries how long it took until a cast was on the screen.
+function noteDrawn(begun: number): void {
+  requestAnimationFrame(() => {
+    // What is posted in a frame is heard after it.
+    const { port1, port2 } = new MessageChannel();
+    port1.onmessage = () => performance.measure(DRAWING, { start: begun });
+    port2.postMessage(null);
+  });
 }

@@ -65,6 +65,11 @@ export class CastList {
     if (focused !== undefined) this.button(focused)?.focus();
   }
 
+  /// Names of all casts in the list.
+  get all(): readonly string[] {
+    return this.names;
+  }
+
   /// The listed name of the file that `name` means, or "". Case is ignored, as some file systems
   /// do.
   listed(name: string): string {

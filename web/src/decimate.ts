@@ -4,8 +4,8 @@
 /// Indices, ascending, of the levels that the line through all levels needs.
 ///
 /// Consecutive levels on one pixel row become at most four: the first, the last, and the two with
-/// the lowest and the highest `x`. The line through these covers the same pixels. A level without
-/// a position (NaN row or x) is kept, so that the line still breaks there.
+/// the lowest and the highest `x`. The line through these covers the same pixels. Of consecutive
+/// levels without a position (NaN row or x) the first is kept, so that the line still breaks there.
 ///
 /// `rowOf` gives a level's pixel row as a whole number or NaN; to drop what lies outside the view
 /// it should give one and the same row to everything above, and another to everything below.
@@ -16,6 +16,7 @@ export function thinLine(x: readonly number[], rowOf: (index: number) => number)
   let lowest = -1;
   let highest = -1;
   let row = NaN;
+  let isBroken = false;
 
   const flush = () => {
     if (first < 0) return;
@@ -30,9 +31,11 @@ export function thinLine(x: readonly number[], rowOf: (index: number) => number)
     const here = rowOf(index);
     if (Number.isNaN(here) || Number.isNaN(value)) {
       flush();
-      kept.push(index);
+      if (!isBroken) kept.push(index);
+      isBroken = true;
       return;
     }
+    isBroken = false;
     if (first >= 0 && here === row) {
       if (value < (x[lowest] ?? NaN)) lowest = index;
       if (value > (x[highest] ?? NaN)) highest = index;

@@ -18,6 +18,8 @@ import { PendingRequests, type PendingRequest } from "./requests";
 /// An engine that has not answered for this long has not understood, or has stopped.
 const ANSWER_LIMIT_MS = 30_000;
 
+const BRACKETED = "The name holds a bracket, which cannot be sent. Rename the file.";
+
 export interface Verdict {
   lines: string[];
   /// Indices of the invalid levels, ascending.
@@ -63,16 +65,32 @@ class UploadRecord {
   constructor(public request: PendingRequest<Subject> | null = null) {}
 }
 
-/// What a request is about: the profile to be checked, or the upload that an opening belongs to.
-type Subject = Profile | UploadRecord | null;
+/// What came of looking at a file: its profile, or why there is none.
+export type Look = { profile: Profile } | { reason: string };
+
+/// A file that is read beside the cast on the page.
+class LookRecord {
+  constructor(
+    readonly request: PendingRequest<Subject>,
+    readonly tell: (look: Look) => void,
+  ) {}
+}
+
+/// What a request is about: the profile to be checked, or the upload or look that an opening belongs to.
+type Subject = Profile | UploadRecord | LookRecord | null;
 
 function uploadIn(subject: Subject): UploadRecord | null {
   return subject instanceof UploadRecord ? subject : null;
 }
 
+function lookIn(subject: Subject): LookRecord | null {
+  return subject instanceof LookRecord ? subject : null;
+}
+
 export class Engine {
   private readonly pending = new PendingRequests<Subject>();
   private readonly uploads = new Set<UploadRecord>();
+  private readonly looks = new Set<LookRecord>();
 
   constructor(
     private readonly connection: Connection,
@@ -92,7 +110,7 @@ export class Engine {
     const body = openBody(name);
     if (body === null) {
       this.pending.giveUp(Action.open);
-      this.events.openFailed(name, "The name holds a bracket, which cannot be sent. Rename the file.");
+      this.events.openFailed(name, BRACKETED);
     } else {
       this.ask(Action.open, name, null, body);
     }
@@ -113,6 +131,21 @@ export class Engine {
       },
       done: () => this.uploadDone(name, record),
     };
+  }
+
+  /// Reads a file of the profile folder without putting it on the page, whatever is opened meanwhile.
+  look(name: string): Promise<Look> {
+    const body = openBody(name);
+    if (body === null) return Promise.resolve({ reason: BRACKETED });
+    return new Promise((tell) => {
+      const sent = this.connection.send(requestFrame(Action.open, body));
+      const request: PendingRequest<Subject> = this.pending.queue(Action.open, name, null, sent, this.now());
+      // Nobody waits for it to be shown: it is no opening to the rest of the page.
+      request.wanted = false;
+      const look = new LookRecord(request, tell);
+      request.subject = look;
+      this.looks.add(look);
+    });
   }
 
   /// Has the engine check a profile.
@@ -171,7 +204,16 @@ export class Engine {
       this.uploads.delete(upload);
       upload.over();
     }
+    for (const look of this.looks) {
+      if (this.pending.holds(look.request)) continue;
+      this.endLook(look, { reason: "No answer has come." });
+    }
     this.events.waiting();
+  }
+
+  private endLook(look: LookRecord, result: Look): void {
+    this.looks.delete(look);
+    look.tell(result);
   }
 
   private onState(state: ConnectionState): void {
@@ -200,6 +242,8 @@ export class Engine {
       });
       const upload = uploadIn(standing === "foreign" ? null : subject);
       if (upload && standing === "mine") upload.profile = profile;
+      const look = lookIn(standing === "foreign" ? null : subject);
+      if (look) this.endLook(look, { profile });
       if (standing === "mine") events.opened(profile);
       else if (standing === "foreign") events.openedElsewhere(profile);
       this.endUploads();
@@ -209,6 +253,8 @@ export class Engine {
 
   private onOpenFailed(reason: string): void {
     const { standing, key, subject } = this.pending.failed(Action.open);
+    const look = lookIn(subject);
+    if (look) this.endLook(look, { reason: reason || "The engine gives no reason." });
     // An upload is told its own failure by the answer to its POST.
     if (standing === "mine" && !uploadIn(subject)) this.events.openFailed(key, reason);
   }
@@ -223,7 +269,7 @@ export class Engine {
       // A verdict does not name its profile: it is for the oldest request whose levels it fits,
       // or for another page.
       const standing = pending.succeeded(Action.check, ({ subject }) => {
-        const profile = subject instanceof UploadRecord ? null : subject;
+        const profile = uploadIn(subject) || lookIn(subject) ? null : (subject as Profile | null);
         const lists = profile?.lists;
         const invalid =
           lists && invalidLevels(lists.svp_Speed, lists.svp_Depth, packet.svpX, packet.svpY);

@@ -11,11 +11,18 @@ const LEAST_DECIMALS = 2;
 export function decimalsFor(values: readonly number[]): number {
   let most = LEAST_DECIMALS;
   for (const value of values) {
-    if (Number.isInteger(value) || !Number.isFinite(value)) continue;
+    if (Number.isInteger(value) || !Number.isFinite(value) || isShownBy(most, value)) continue;
     most = Math.max(most, decimalsOf(shortestDecimal(value)));
     if (most >= MOST_DECIMALS) return MOST_DECIMALS;
   }
   return most;
+}
+
+/// Whether so many decimals show a widened 32-bit float without loss. Texts are slow to make, and
+/// most values of a long cast need no more decimals than those before.
+function isShownBy(decimals: number, value: number): boolean {
+  const power = 10 ** decimals;
+  return Math.fround(Math.round(value * power) / power) === value;
 }
 
 function decimalsOf(text: string): number {

@@ -1,11 +1,29 @@
 /// Legends: how the lines of a plot look, each told by colour, dash and mark.
-import { make, makeSvg } from "./dom";
+import { button, make, makeSvg } from "./dom";
 
-export type LineKind = "measured" | "joined" | "thinned";
+export type LineKind = "measured" | "joined" | "thinned" | "under";
+
+export interface LegendEntry {
+  key: LineKind;
+  label: string;
+  /// Takes the line from the plot; absent for lines that stay.
+  remove?: () => void;
+}
 
 /// One entry a line.
-export function legend(entries: readonly { key: LineKind; label: string }[]): HTMLElement {
-  return make("div", "legend", ...entries.map(({ key, label }) => make("span", "legend-entry", swatch(key), label)));
+export function legend(entries: readonly LegendEntry[]): HTMLElement {
+  return make("div", "legend", ...entries.map(({ key, label, remove }) => {
+    const name = make("span", "legend-name", label);
+    name.title = label;
+    const entry = make("span", "legend-entry", swatch(key), name);
+    if (remove) {
+      const away = button("quiet legend-remove", "✕", remove);
+      away.title = `Remove ${label} from the plot`;
+      away.setAttribute("aria-label", away.title);
+      entry.append(away);
+    }
+    return entry;
+  }));
 }
 
 function swatch(key: LineKind): Element {
@@ -19,6 +37,8 @@ function swatch(key: LineKind): Element {
     measured: "M14,6a3,3 0 1 0 6,0a3,3 0 1 0 -6,0Z",
     joined: "M17,1.5L21.5,6L17,10.5L12.5,6Z",
     thinned: "M13.5,2.5h7v7h-7Z",
+    // No marks: it is the background of the others.
+    under: "",
   };
   mark.setAttribute("d", shapes[key]);
   svg.append(line, mark);

@@ -2,6 +2,8 @@
 import { Asker } from "./asker";
 import { CastList, fetchCasts } from "./casts";
 import { CastView, type CastState } from "./cast-view";
+import { CompareDialog } from "./compare-dialog";
+import { ComparedCasts } from "./compared-casts";
 import { Connection, type ConnectionState } from "./connection";
 import { ask, isAsking } from "./dialog";
 import { byId } from "./dom";
@@ -72,6 +74,11 @@ const engine = new Engine(connection, {
   refused: (reason) =>
     messages.add({ kind: "failure", text: `The host refused a request. ${reason}` }),
   waiting: showWaiting,
+});
+
+const comparison = new ComparedCasts((name) => engine.look(name));
+const compareDialog = new CompareDialog(comparison, () => castList.all, (open, other) => {
+  if (castView.open === open) castView.compare(other);
 });
 
 const uploads = new Uploads(
@@ -242,6 +249,7 @@ function arrived(profile: Profile): void {
 
 function show(profile: Profile): void {
   agreed = null;
+  comparison.opened(profile);
   edits.opened(profile);
   repair.opened(profile);
   put({ profile, verdict: null });
@@ -284,6 +292,10 @@ function showEdits(): void {
 
 function extend(): void {
   if (castView.open && !byId<HTMLButtonElement>("extend").disabled) extendDialog.show(castView.open);
+}
+
+function compare(): void {
+  if (castView.open) compareDialog.show(castView.open);
 }
 
 function thin(): void {
@@ -401,7 +413,7 @@ const shortcuts: Shortcut[] = [
   { key: "O", text: "Open files of this computer; they can be dropped on the page as well", run: () => filePicker.click() },
   { key: "C", text: "Check the open cast", run: check },
   { key: "N", text: "Select the next invalid level", run: () => castView.selectNextInvalid() },
-  { key: "F", text: "Zoom to the valid levels", run: () => castView.fit() },
+  { key: "F", text: "Zoom to the levels that were measured and are valid", run: () => castView.fit() },
   { key: "+ −", text: "In the plot: zoom in and out around the selected level" },
   { key: "0", text: "Show all levels", run: () => castView.reset() },
   { key: "E", text: "Extend the open cast to full ocean depth", run: extend },
@@ -412,7 +424,8 @@ const shortcuts: Shortcut[] = [
   { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },
   { key: "I", text: "Import filters: how column files are read", run: () => void filterDialog.show() },
   { key: "R", text: "Read the list of casts again", run: () => void refresh() },
-  { key: "T", text: "Switch between dark and light", run: () => theme.toggle() },
+  { key: "K", text: "Compare with another cast, drawn under the open one", run: compare },
+  { key: "T", text: "The next colours: night, day, high contrast, red", run: () => theme.next() },
   { key: "?", text: "This help", run: () => help.showModal() },
 ];
 
@@ -445,6 +458,7 @@ function handIn(files: readonly PickedFile[]): void {
 checkButton.addEventListener("click", check);
 byId("extend").addEventListener("click", extend);
 byId("thin").addEventListener("click", thin);
+byId("compare").addEventListener("click", compare);
 byId("undo").addEventListener("click", undo);
 byId("open-file").addEventListener("click", () => filePicker.click());
 byId("filters").addEventListener("click", () => void filterDialog.show());

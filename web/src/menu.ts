@@ -6,6 +6,8 @@ export interface MenuItem {
   /// What it does, said in small under the label.
   detail: string;
   run: () => void;
+  /// For an item that is one of several to choose from: whether it is the chosen one.
+  isChosen?: () => boolean;
 }
 
 export class Menu {
@@ -15,7 +17,7 @@ export class Menu {
   /// `opener` stands in the page already; the menu is put behind it.
   constructor(
     private readonly opener: HTMLButtonElement,
-    items: readonly MenuItem[],
+    private readonly items: readonly MenuItem[],
   ) {
     const { list } = this;
     list.id = `${opener.id}-menu`;
@@ -50,6 +52,9 @@ export class Menu {
   open(): void {
     if (this.opener.disabled) return;
     this.list.hidden = false;
+    this.items.forEach(({ isChosen }, i) => {
+      if (isChosen) this.entries[i]?.setAttribute("aria-checked", String(isChosen()));
+    });
     this.opener.setAttribute("aria-expanded", "true");
     this.entries[0]?.focus();
   }
@@ -68,13 +73,13 @@ export class Menu {
     this.opener.setAttribute("aria-expanded", "false");
   }
 
-  private entry({ label, detail, run }: MenuItem): HTMLButtonElement {
+  private entry({ label, detail, run, isChosen }: MenuItem): HTMLButtonElement {
     const name = make("span", "menu-label", label);
     const more = make("span", "menu-detail", detail);
     const entry = make("button", "", name, more);
     entry.type = "button";
     entry.tabIndex = -1;
-    entry.setAttribute("role", "menuitem");
+    entry.setAttribute("role", isChosen ? "menuitemradio" : "menuitem");
     // The detail is a description, not a part of the name.
     more.id = `${this.list.id}-${label.replace(/\W+/g, "-").toLowerCase()}`;
     entry.setAttribute("aria-label", label);

@@ -1,103 +1,126 @@
-/// The plot on the page: what is in view, zoom, hover and the selected level.
-import { shownValues, valueText, type Column, type PlotQuantity } from "./columns";
-import { make, makeSvg } from "./dom";
-import { profilePlot, viewOf, type ProfilePlot, type Span, type View } from "./plot";
+/// The plot on the page: its panels, what is in view, zoom, hover, the selected level, and what is
+/// edited in it.
+import type { Column, PlotQuantity } from "./columns";
+import { make } from "./dom";
+import type { ListKey } from "./protocol";
+import { levelAtDepth, levelBeside, levelNear, panelAt } from "./plot-hits";
+import { PlotOverlay, placeOf, type DragBox, type Point, type Pointed } from "./plot-overlay";
+import {
+  closestSpan,
+  drawPanels,
+  plottedOf,
+  viewOf,
+  viewWith,
+  type LinkedView,
+  type Panel,
+  type Plotted,
+} from "./plot-panels";
+import { plotSummary } from "./plot-summary";
 import { isJoined, type Profile } from "./profile";
+import { atLeast, movedTo, sameSpan, scaled, type Span } from "./spans";
 
 /// A pointer that moves less than this many pixels between press and release has clicked.
 const CLICK_PX = 6;
 /// A drag thinner than this zooms the other axis alone.
 const THIN_DRAG_PX = 14;
-/// How far from a level the pointer still finds it.
-const REACH_PX = 60;
-/// Closest zoom: spans below these show nothing that the instruments could have measured.
-const LEAST_ACROSS_SPAN = 0.02;
+/// How far from the selected level's mark the pointer still takes hold of it.
+const GRIP_PX = 12;
+/// Closest zoom of the depths: below this nothing shows that an instrument could have measured.
 const LEAST_DEPTH_SPAN = 0.05;
 const KEY_ZOOM = 1.5;
-
-interface Shown {
-  profile: Profile;
-  columns: readonly Column[];
-  /// The quantity that is drawn across.
-  quantity: PlotQuantity;
-  /// Its values, NaN where none was measured.
-  values: readonly number[];
-  full: View;
-}
-
-const NONE: ReadonlySet<number> = new Set();
 
 export interface PlotEvents {
   /// The user picked a level; -1 for none.
   select(level: number): void;
   /// The view was zoomed (true) or shows all levels (false).
   zoomed(zoomed: boolean): void;
+  /// What a screen reader is told of the plot has changed.
+  summarised?(text: string): void;
+}
+
+/// What the user does to levels in the plot. A value is one of `quantity`, in its own unit, with no
+/// more decimals than its column shows; a depth likewise.
+export interface PlotEdits {
+  /// The selected level's point was dragged to another value.
+  moved(level: number, value: number, quantity: ListKey): void;
+  /// A new level is wanted at a depth; its value is known of one quantity alone.
+  insertAt(depth: number, value: number, quantity: ListKey): void;
+  remove(level: number): void;
+}
+
+/// A pointer that is pressed: it zooms, or it moves the selected level's point.
+interface Drag {
+  panel: Panel;
+  from: Point;
+  /// Where the point that is moved was; null for a zoom.
+  grip: Point | null;
 }
 
 export class PlotView {
-  private shown: Shown | null = null;
-  private view: View = { across: [0, 1], depth: [0, 1] };
-  private invalid: readonly number[] = [];
+  private plotted: Plotted | null = null;
+  private under: Plotted | null = null;
+  private whole: LinkedView | null = null;
+  private view: LinkedView | null = null;
+  private panels: Panel[] = [];
+  private invalid: ReadonlySet<number> = new Set();
   private over: readonly number[] = [];
   private selected = -1;
-  private hovered = -1;
-  private plot: ProfilePlot | null = null;
-  private dragFrom: { x: number; y: number } | null = null;
+  private hovered: Pointed | null = null;
+  private drag: Drag | null = null;
+  private edits: PlotEdits | null = null;
+  private isEditing = false;
+  private isDue = false;
 
   private readonly drawing = make("div", "drawing");
-  private readonly overlay = makeSvg("svg", "overlay");
-  private readonly crosshair = makeSvg("path", "crosshair");
-  private readonly hoverRing = makeSvg("circle", "hover-ring");
-  private readonly selectedRing = makeSvg("circle", "selected-ring");
-  private readonly dragBox = makeSvg("rect", "drag-box");
-  private readonly tip = make("div", "tip");
+  private readonly overlay: PlotOverlay;
 
   constructor(
     private readonly host: HTMLElement,
     private readonly events: PlotEvents,
   ) {
-    this.overlay.setAttribute("aria-hidden", "true");
-    this.overlay.append(this.crosshair, this.selectedRing, this.hoverRing, this.dragBox);
-    this.hoverRing.setAttribute("r", "6");
-    this.selectedRing.setAttribute("r", "8");
-    this.tip.hidden = true;
-    this.tip.setAttribute("aria-hidden", "true");
-    host.append(this.drawing, this.overlay, this.tip);
-
+    this.overlay = new PlotOverlay(host);
+    host.append(this.drawing, this.overlay.element, this.overlay.tip);
     host.addEventListener("pointerdown", (event) => this.press(event));
     host.addEventListener("pointermove", (event) => this.pointAt(event));
     host.addEventListener("pointerup", (event) => this.release(event));
     host.addEventListener("pointercancel", () => this.endDrag());
-    host.addEventListener("pointerleave", () => this.hover(-1));
-    host.addEventListener("dblclick", () => this.reset());
+    host.addEventListener("pointerleave", () => this.hover(null));
+    host.addEventListener("dblclick", (event) => this.doubleClick(event));
     host.addEventListener("keydown", (event) => this.key(event));
-    new ResizeObserver(() => this.draw()).observe(host);
+    new ResizeObserver(() => this.resized()).observe(host);
   }
 
-  /// Shows a profile whole, no level invalid or selected.
-  show(profile: Profile, columns: readonly Column[], quantity: PlotQuantity): void {
-    const values = shownValues(profile, quantity.key);
-    const full = viewOf(values, profile.lists.svp_Depth);
-    this.shown = { profile, columns, quantity, values, full };
-    this.invalid = [];
+  /// Shows a profile whole, a panel for each quantity, no level invalid or selected, nothing laid
+  /// over or under it.
+  show(profile: Profile, columns: readonly Column[], ...quantities: PlotQuantity[]): void {
+    this.plotted = plottedOf(profile, columns, quantities);
+    this.under = null;
+    this.invalid = new Set();
     this.over = [];
-    this.selected = this.hovered = -1;
-    this.setView(full);
+    this.selected = -1;
+    this.hovered = null;
+    this.endDrag();
+    this.setWhole(viewWith(this.plotted, null), false);
   }
 
-  /// Draws another quantity of the same profile across, whole; the depths in view stay.
-  showQuantity(quantity: PlotQuantity): void {
-    if (!this.shown) return;
-    const { profile, full: before } = this.shown;
-    const values = shownValues(profile, quantity.key);
-    const full = viewOf(values, profile.lists.svp_Depth);
-    const isWhole = same(this.view.depth, before.depth);
-    this.shown = { ...this.shown, quantity, values, full };
-    this.setView(isWhole ? full : { across: full.across, depth: this.view.depth });
+  /// Shows what became of the profile, or other panels of it. The view stays where it was zoomed, and
+  /// with it what lies under the profile; marks stay where it is the same profile.
+  update(profile: Profile, columns: readonly Column[], ...quantities: PlotQuantity[]): void {
+    const before = this.plotted;
+    if (!before) return this.show(profile, columns, ...quantities);
+    this.plotted = plottedOf(profile, columns, quantities);
+    if (profile !== before.profile) {
+      this.invalid = new Set();
+      this.over = [];
+      if (this.selected >= profile.count) this.selected = -1;
+    }
+    this.hovered = null;
+    this.drag = null;
+    this.setWhole(viewWith(this.plotted, this.under), true);
   }
 
   markInvalid(levels: readonly number[]): void {
-    this.invalid = levels;
+    this.invalid = new Set(levels);
     this.draw();
   }
 
@@ -107,186 +130,167 @@ export class PlotView {
     this.draw();
   }
 
+  /// Lays another profile under this one, in the panels whose quantity it has; null takes it away.
+  showUnder(other: { profile: Profile; columns: readonly Column[]; quantities: readonly PlotQuantity[] } | null): void {
+    this.under = other && plottedOf(other.profile, other.columns, other.quantities);
+    if (this.plotted) this.setWhole(viewWith(this.plotted, this.under), true);
+  }
+
+  /// Who is told of edits in the plot; without, there are none.
+  onEdit(edits: PlotEdits): void {
+    this.edits = edits;
+  }
+
+  /// With editing on, the selected level's point is dragged and a double click asks for a new level.
+  /// With it off, a point is dragged with the Alt key held and a double click shows all levels.
+  setEditing(on: boolean): void {
+    this.isEditing = on;
+    this.host.classList.toggle("editing", on);
+  }
+
   /// Marks one level and moves the view to it if it lies outside; -1 marks none. An invalid value
   /// is not followed, as the others would be lost from view: its arrow at the edge is marked.
   markSelected(level: number): void {
     this.selected = level;
-    const { depth, value } = this.valuesOf(level);
-    const stay = Number.isNaN(value) || this.invalid.includes(level);
-    const panned = {
-      across: stay ? this.view.across : movedTo(this.view.across, value),
-      depth: Number.isNaN(depth) ? this.view.depth : movedTo(this.view.depth, depth),
-    };
-    if (panned.across !== this.view.across || panned.depth !== this.view.depth) this.setView(panned);
-    else this.drawOverlay();
+    const { view, plotted } = this;
+    if (!view || !plotted) return;
+    const depth = movedTo(view.depth, this.depthOf(level));
+    const across = new Map(view.across);
+    if (!this.invalid.has(level)) {
+      for (const [key, span] of view.across) across.set(key, movedTo(span, plotted.values.get(key)?.[level] ?? NaN));
+    }
+    const panned = { depth, across };
+    if (sameView(panned, view)) this.drawOverlay();
+    else this.setView(panned);
   }
 
   /// Shows all levels again.
   reset(): void {
-    if (this.shown) this.setView(this.shown.full);
+    if (this.whole) this.setView(this.whole);
   }
 
-  /// Zooms so that the levels which the check accepted fill the plot.
+  /// Zooms so that the levels which were measured, and which the check accepted, fill the plot.
   fitValid(): void {
-    if (!this.shown) return;
-    const invalid = new Set(this.invalid);
-    const { profile: { lists }, values } = this.shown;
-    this.setView(viewOf(values, lists.svp_Depth, (level) => !invalid.has(level)));
+    if (!this.plotted) return;
+    const { profile, values } = this.plotted;
+    this.setView(viewOf(profile, values, (level) => !this.invalid.has(level) && !isJoined(profile, level)));
   }
 
   focus(): void {
     this.host.focus();
   }
 
-  private setView(view: View): void {
-    this.view = view;
-    this.draw();
-    if (this.shown) this.events.zoomed(view !== this.shown.full);
+  /// Takes what is the whole view now. With `stay`, what was zoomed stays as it is.
+  private setWhole(whole: LinkedView, stay: boolean): void {
+    const { view, whole: before } = this;
+    this.whole = whole;
+    if (!stay || !view || !before) return this.setView(whole);
+    const across = [...whole.across].map(([key, span]): [ListKey, Span] => {
+      const was = before.across.get(key);
+      const now = view.across.get(key);
+      return [key, was && now && !sameSpan(was, now) ? now : span];
+    });
+    const depth = sameSpan(view.depth, before.depth) ? whole.depth : view.depth;
+    this.setView({ depth, across: new Map(across) });
   }
 
+  private setView(view: LinkedView): void {
+    this.view = view;
+    this.draw();
+    if (this.whole) this.events.zoomed(!sameView(view, this.whole));
+  }
+
+  private resized(): void {
+    const { clientWidth: width, clientHeight: height } = this.host;
+    if (this.drawing.dataset["size"] !== `${width}x${height}`) this.drawNow();
+  }
+
+  /// Draws once for all that is asked for in one go.
   private draw(): void {
-    const { shown, host } = this;
-    const width = host.clientWidth;
-    const height = host.clientHeight;
-    if (!shown || width === 0 || height === 0) return;
-    this.plot = profilePlot({
-      values: shown.values,
-      label: shown.quantity.label,
-      depths: shown.profile.lists.svp_Depth,
-      invalid: this.invalid,
-      joined: shown.profile.joined ?? NONE,
-      over: this.over,
-      view: this.view,
-      width,
-      height,
+    if (this.isDue) return;
+    this.isDue = true;
+    queueMicrotask(() => {
+      this.isDue = false;
+      this.drawNow();
     });
-    // The levels are read from the table; the drawing itself says nothing to a screen reader.
-    this.plot.svg.setAttribute("aria-hidden", "true");
-    this.drawing.replaceChildren(this.plot.svg);
-    this.overlay.setAttribute("viewBox", `0 0 ${width} ${height}`);
+  }
+
+  private drawNow(): void {
+    const { plotted, view, host } = this;
+    const { clientWidth: width, clientHeight: height } = host;
+    if (!plotted || !view || width === 0 || height === 0) return;
+    const invalid = [...this.invalid];
+    this.panels = drawPanels({ plotted, view, invalid, over: this.over, under: this.under, width, height });
+    this.drawing.replaceChildren(...this.panels.map(({ svg }) => svg));
+    this.drawing.dataset["size"] = `${width}x${height}`;
+    this.hovered = null;
+    this.overlay.resize(width, height);
     this.drawOverlay();
+    const isZoomed = this.whole !== null && !sameView(view, this.whole);
+    this.events.summarised?.(plotSummary(plotted, this.invalid, this.under?.profile ?? null, isZoomed ? view : null));
   }
 
   private drawOverlay(): void {
-    const { plot } = this;
-    if (!plot) return;
-    place(this.selectedRing, this.pixelOf(this.selected) ?? this.edgeOf(this.selected));
-    const at = this.dragFrom ? null : this.pixelOf(this.hovered);
-    place(this.hoverRing, at);
-    const { left, top } = plot.area;
-    this.crosshair.setAttribute("d", at ? `M${left},${at.y}H${at.x}V${top}` : "");
-    this.tip.hidden = at === null;
-    if (at) this.drawTip(at);
+    const { plotted, panels, overlay, invalid } = this;
+    if (!plotted || this.isDue) return;
+    overlay.rest(panels, plotted, this.selected, invalid);
+    overlay.point(panels, plotted, this.drag ? null : this.hovered, invalid);
   }
 
-  private drawTip(at: { x: number; y: number }): void {
-    const { shown, plot, tip, hovered } = this;
-    if (!shown || !plot) return;
-    const lines = shown.columns.map((column) => {
-      const line = make("div", "tip-line", make("span", "", column.label));
-      line.append(make("b", "", valueText(shown.profile, column, hovered)));
-      return line;
-    });
-    const bad = this.invalid.includes(hovered);
-    const title = make("div", "tip-title", `Level ${hovered + 1}`);
-    if (bad) title.append(make("span", "tip-invalid", "invalid"));
-    else if (isJoined(shown.profile, hovered)) title.append(make("span", "tip-joined", "joined"));
-    tip.replaceChildren(title, ...lines);
-    // Beside the level, on the side that has room.
-    const right = at.x + 16 + tip.offsetWidth < plot.area.right;
-    const x = right ? at.x + 16 : Math.max(4, at.x - 16 - tip.offsetWidth);
-    const lowest = this.host.clientHeight - tip.offsetHeight - 4;
-    tip.style.left = `${x}px`;
-    tip.style.top = `${Math.max(4, Math.min(at.y - tip.offsetHeight / 2, lowest))}px`;
+  private depthOf(level: number): number {
+    return this.plotted?.profile.lists.svp_Depth[level] ?? NaN;
   }
 
-  private valuesOf(level: number): { value: number; depth: number } {
-    const { shown } = this;
-    return { value: shown?.values[level] ?? NaN, depth: shown?.profile.lists.svp_Depth[level] ?? NaN };
-  }
-
-  /// Where a level is drawn, or null when it is out of view.
-  private pixelOf(level: number): { x: number; y: number } | null {
-    const { plot } = this;
-    if (!plot || level < 0) return null;
-    const { value, depth } = this.valuesOf(level);
-    const x = plot.toX(value);
-    const y = plot.toY(depth);
-    const { left, top, right, bottom } = plot.area;
-    return x >= left - 1 && x <= right + 1 && y >= top - 1 && y <= bottom + 1 ? { x, y } : null;
-  }
-
-  /// Where the arrow of an invalid level is drawn whose value is out of view, or null.
-  private edgeOf(level: number): { x: number; y: number } | null {
-    const { plot } = this;
-    if (!plot || !this.invalid.includes(level)) return null;
-    const { value, depth } = this.valuesOf(level);
-    const { left, top, right, bottom } = plot.area;
-    const y = plot.toY(depth);
-    return y >= top && y <= bottom ? { x: plot.toX(value) < left ? left + 8 : right - 8, y } : null;
-  }
-
-  /// The level nearest to a point of the plot, or -1 when none is within reach.
-  private levelNear(x: number, y: number): number {
-    const { plot, shown } = this;
-    if (!plot || !shown) return -1;
-    const { values, profile: { lists: { svp_Depth } } } = shown;
-    let nearest = -1;
-    let least = REACH_PX * REACH_PX;
-    svp_Depth.forEach((depth, level) => {
-      // Most levels of a long cast are out of reach by their depth alone.
-      const down = plot.toY(depth) - y;
-      if (!(down * down < least)) return;
-      const across = plot.toX(values[level] ?? NaN) - x;
-      const distance = across * across + down * down;
-      if (distance < least && this.pixelOf(level)) {
-        least = distance;
-        nearest = level;
-      }
-    });
-    return nearest;
-  }
-
-  private pointer(event: PointerEvent): { x: number; y: number } {
+  private pointer(event: MouseEvent): Point {
     const box = this.host.getBoundingClientRect();
     return { x: event.clientX - box.left, y: event.clientY - box.top };
   }
 
   private press(event: PointerEvent): void {
-    if (!this.plot || event.button !== 0) return;
-    this.dragFrom = this.pointer(event);
+    const from = this.pointer(event);
+    const panel = panelAt(this.panels, from);
+    if (!panel || event.button !== 0) return;
+    const mayMove = this.edits !== null && (this.isEditing || event.altKey);
+    this.drag = { panel, from, grip: mayMove ? this.gripOf(panel, from) : null };
     this.host.setPointerCapture(event.pointerId);
+  }
+
+  /// Where the selected level is drawn, if a point of the panel is on it.
+  private gripOf(panel: Panel, at: Point): Point | null {
+    const place = this.plotted && this.selected >= 0 ? placeOf(panel, this.plotted, this.selected, true) : null;
+    return place && Math.hypot(place.x - at.x, place.y - at.y) <= GRIP_PX ? place : null;
   }
 
   private pointAt(event: PointerEvent): void {
     const at = this.pointer(event);
-    if (this.dragFrom) this.drawDrag(this.dragFrom, at);
-    else this.hover(this.levelNear(at.x, at.y));
-  }
-
-  private hover(level: number): void {
-    if (level === this.hovered) return;
-    this.hovered = level;
+    const { drag } = this;
+    if (!drag) return this.hover(this.plotted && levelBeside(this.panels, this.plotted, at));
     this.drawOverlay();
+    if (drag.grip) this.drawMove(drag.panel, movedX(drag, at));
+    else this.overlay.drag(this.panels, this.dragArea(drag, at));
   }
 
-  private drawDrag(from: { x: number; y: number }, to: { x: number; y: number }): void {
-    const box = this.dragArea(from, to);
-    if (!box) return;
-    this.drawOverlay();
-    this.dragBox.setAttribute("x", String(box.x[0]));
-    this.dragBox.setAttribute("y", String(box.y[0]));
-    this.dragBox.setAttribute("width", String(box.x[1] - box.x[0]));
-    this.dragBox.setAttribute("height", String(box.y[1] - box.y[0]));
+  private hover(at: Pointed | null): void {
+    if (at?.level === this.hovered?.level && at?.panel === this.hovered?.panel) return;
+    this.hovered = at;
+    const { plotted } = this;
+    if (plotted && !this.drag) this.overlay.point(this.panels, plotted, at, this.invalid);
   }
 
-  /// The part of the data area that a drag covers. A thin drag covers the whole other axis.
-  private dragArea(
-    from: { x: number; y: number },
-    to: { x: number; y: number },
-  ): { x: Span; y: Span } | null {
-    if (!this.plot) return null;
-    const { left, top, right, bottom } = this.plot.area;
+  private drawMove({ area, toY, fromX, quantity: { key } }: Panel, x: number): void {
+    const column = this.column(key);
+    const unit = column?.unit ? ` ${column.unit}` : "";
+    const text = `${rounded(fromX(x), column).toFixed(column?.decimals ?? 2)}${unit}`;
+    this.overlay.move({ x, y: toY(this.depthOf(this.selected)) }, area, text);
+  }
+
+  private column(key: ListKey): Column | undefined {
+    return this.plotted?.columns.find((each) => each.key === key);
+  }
+
+  /// The part of a panel that a drag covers. A thin drag covers the whole other axis.
+  private dragArea({ panel, from }: Drag, to: Point): DragBox {
+    const { left, top, right, bottom } = panel.area;
     const span = (a: number, b: number, low: number, high: number): Span => {
       if (Math.abs(a - b) < THIN_DRAG_PX) return [low, high];
       return [Math.max(low, Math.min(a, b)), Math.min(high, Math.max(a, b))];
@@ -295,39 +299,68 @@ export class PlotView {
   }
 
   private release(event: PointerEvent): void {
-    const { dragFrom: from, plot } = this;
-    if (!from || !plot) return;
+    const { drag } = this;
+    if (!drag) return;
+    const { from } = drag;
     const to = this.pointer(event);
     this.endDrag();
     if (Math.hypot(to.x - from.x, to.y - from.y) < CLICK_PX) {
-      this.events.select(this.levelNear(to.x, to.y));
-      return;
+      // The level that is held stays selected: a press on it was for it.
+      if (!drag.grip) this.events.select((this.plotted && levelNear(this.panels, this.plotted, to))?.level ?? -1);
+    } else if (drag.grip) {
+      this.endMove(drag, to);
+    } else {
+      this.zoomTo(drag, to);
     }
-    if (Math.max(Math.abs(to.x - from.x), Math.abs(to.y - from.y)) < THIN_DRAG_PX) return;
-    const box = this.dragArea(from, to);
-    if (!box) return;
-    this.setView({
-      across: atLeast([plot.fromX(box.x[0]), plot.fromX(box.x[1])], LEAST_ACROSS_SPAN),
-      depth: atLeast([plot.fromY(box.y[0]), plot.fromY(box.y[1])], LEAST_DEPTH_SPAN),
-    });
+  }
+
+  private endMove(drag: Drag, to: Point): void {
+    const { panel, from } = drag;
+    // Points move across alone; a drag down was meant for something else.
+    if (Math.abs(to.x - from.x) < CLICK_PX) return;
+    const { key } = panel.quantity;
+    this.edits?.moved(this.selected, rounded(panel.fromX(movedX(drag, to)), this.column(key)), key);
+  }
+
+  private zoomTo(drag: Drag, to: Point): void {
+    const { panel, from } = drag;
+    if (!this.view || Math.max(Math.abs(to.x - from.x), Math.abs(to.y - from.y)) < THIN_DRAG_PX) return;
+    const { x, y } = this.dragArea(drag, to);
+    const { key } = panel.quantity;
+    const across = new Map(this.view.across);
+    if (x[0] > panel.area.left || x[1] < panel.area.right) {
+      across.set(key, atLeast([panel.fromX(x[0]), panel.fromX(x[1])], closestSpan(key)));
+    }
+    this.setView({ depth: atLeast([panel.fromY(y[0]), panel.fromY(y[1])], LEAST_DEPTH_SPAN), across });
   }
 
   private endDrag(): void {
-    this.dragFrom = null;
-    this.dragBox.removeAttribute("width");
-    this.dragBox.removeAttribute("height");
+    this.drag = null;
+    this.overlay.drag(this.panels, null);
     this.drawOverlay();
   }
 
+  private doubleClick(event: MouseEvent): void {
+    const at = this.pointer(event);
+    const panel = panelAt(this.panels, at);
+    if (!this.isEditing || !this.edits || !panel) return this.reset();
+    const { left, top, right, bottom } = panel.area;
+    if (at.x < left || at.x > right || at.y < top || at.y > bottom) return;
+    const { key } = panel.quantity;
+    const depth = rounded(panel.fromY(at.y), this.column("svp_Depth"));
+    this.edits.insertAt(depth, rounded(panel.fromX(at.x), this.column(key)), key);
+  }
+
   private key(event: KeyboardEvent): void {
-    if (!this.shown || event.ctrlKey || event.altKey || event.metaKey) return;
-    const last = this.shown.profile.count - 1;
+    const { plotted, selected } = this;
+    if (!plotted || event.ctrlKey || event.altKey || event.metaKey) return;
+    const last = plotted.profile.count - 1;
     const page = Math.max(1, Math.round(last / 20));
     const to = {
-      ArrowDown: this.selected + 1,
-      ArrowUp: this.selected - 1,
-      PageDown: this.selected + page,
-      PageUp: this.selected - page,
+      ArrowDown: selected + 1,
+      ArrowUp: selected - 1,
+      PageDown: selected + page,
+      PageUp: selected - page,
       Home: 0,
       End: last,
     }[event.key];
@@ -335,60 +368,47 @@ export class PlotView {
     else if (event.key === "+" || event.key === "=") this.zoomBy(1 / KEY_ZOOM);
     else if (event.key === "-") this.zoomBy(KEY_ZOOM);
     // With nothing to be left, the key is that of the dialog which the plot may stand in.
-    else if (event.key === "Escape" && (this.dragFrom || this.selected >= 0)) this.escape();
+    else if (event.key === "Escape" && (this.drag || selected >= 0)) this.escape();
     else if (event.key === "0") this.reset();
+    else if (event.key === "Delete" && this.edits && selected >= 0) this.edits.remove(selected);
     else return;
     event.preventDefault();
     event.stopPropagation();
   }
 
   private escape(): void {
-    if (this.dragFrom) this.endDrag();
+    if (this.drag) this.endDrag();
     else this.events.select(-1);
   }
 
-  /// Zooms around the selected level, or around the middle of the view.
+  /// Zooms all panels around the selected level, or around what is at the middle depth in view.
   private zoomBy(factor: number): void {
-    if (!this.shown) return;
-    const { value, depth } = this.valuesOf(this.selected);
-    const { full } = this.shown;
-    const next = {
-      across: atLeast(scaled(this.view.across, factor, value, full.across), LEAST_ACROSS_SPAN),
-      depth: atLeast(scaled(this.view.depth, factor, depth, full.depth), LEAST_DEPTH_SPAN),
-    };
-    const everything = same(next.across, full.across) && same(next.depth, full.depth);
-    this.setView(everything ? full : next);
+    const { plotted, view, whole, selected } = this;
+    if (!plotted || !view || !whole) return;
+    const level = selected >= 0 ? selected : levelAtDepth(plotted, (view.depth[0] + view.depth[1]) / 2);
+    const across = [...view.across].map(([key, span]): [ListKey, Span] => {
+      const value = plotted.values.get(key)?.[level] ?? NaN;
+      return [key, atLeast(scaled(span, factor, value, whole.across.get(key) ?? span), closestSpan(key))];
+    });
+    const depth = scaled(view.depth, factor, this.depthOf(level), whole.depth);
+    this.setView({ depth: atLeast(depth, LEAST_DEPTH_SPAN), across: new Map(across) });
   }
 }
 
-function place(ring: SVGCircleElement, at: { x: number; y: number } | null): void {
-  ring.setAttribute("visibility", at ? "visible" : "hidden");
-  if (!at) return;
-  ring.setAttribute("cx", String(at.x));
-  ring.setAttribute("cy", String(at.y));
+/// Where a point that is moved is drawn across, while the pointer is at `to`: it stays in its panel.
+function movedX({ panel: { area }, from, grip }: Drag, to: Point): number {
+  return Math.min(Math.max((grip ?? from).x + to.x - from.x, area.left), area.right);
 }
 
-/// The span moved just so that it holds `value`; the span itself when it already does.
-function movedTo(span: Span, value: number): Span {
-  if (value >= span[0] && value <= span[1]) return span;
-  const half = (span[1] - span[0]) / 2;
-  return [value - half, value + half];
+/// A value with the decimals that its column shows.
+function rounded(value: number, column: Column | undefined): number {
+  return Number(value.toFixed(column?.decimals ?? 2));
 }
 
-/// The span scaled around `centre` (its middle when that is NaN), within `limits`.
-function scaled(span: Span, factor: number, centre: number, limits: Span): Span {
-  const middle = Number.isNaN(centre) ? (span[0] + span[1]) / 2 : centre;
-  const low = middle - (middle - span[0]) * factor;
-  const high = middle + (span[1] - middle) * factor;
-  return [Math.max(low, limits[0]), Math.min(high, limits[1])];
-}
-
-function atLeast(span: Span, length: number): Span {
-  if (span[1] - span[0] >= length) return span;
-  const middle = (span[0] + span[1]) / 2;
-  return [middle - length / 2, middle + length / 2];
-}
-
-function same(a: Span, b: Span): boolean {
-  return a[0] === b[0] && a[1] === b[1];
+function sameView(a: LinkedView, b: LinkedView): boolean {
+  if (!sameSpan(a.depth, b.depth)) return false;
+  return [...b.across].every(([key, span]) => {
+    const other = a.across.get(key);
+    return other !== undefined && sameSpan(other, span);
+  });
 }

@@ -1,15 +1,21 @@
 /// Plots of profiles as SVG. The only module that knows the plotting library.
 import * as Plot from "@observablehq/plot";
 import { thinLine, thinMarks } from "./decimate";
+import { roundValues, type Span } from "./spans";
 
-/// An interval of an axis, lower end first.
-export type Span = readonly [number, number];
+export type { Span } from "./spans";
 
 /// What part of a profile is in view: the quantity that is drawn across, in its own unit, and depth
 /// (m, positive down).
 export interface View {
   across: Span;
   depth: Span;
+}
+
+/// A line for comparison: values of the same quantity, with depths of their own.
+export interface Underlay {
+  values: readonly number[];
+  depths: readonly number[];
 }
 
 export interface ProfilePlotOptions {
@@ -24,49 +30,57 @@ export interface ProfilePlotOptions {
   joined: ReadonlySet<number>;
   /// Indices of the levels that a line laid over the profile runs through, ascending; none for none.
   over: readonly number[];
+  /// A line laid under the profile.
+  under: Underlay | null;
   view: View;
+  /// Where the drawing stands among others, in CSS pixels from the left.
+  left: number;
   /// Size of the drawing in CSS pixels.
   width: number;
   height: number;
+  /// Whether the depth axis has its numbers here; panels beside the first one share them.
+  hasDepthAxis: boolean;
+  /// Up to this many levels in view, each gets its own mark; beyond, marks would only make a band.
+  mostMarks: number;
 }
 
-/// A drawn profile and the way between its values and the pixels of the drawing.
+/// A drawn profile and the way between its values and pixels, counted from where `left` is.
 export interface ProfilePlot {
   svg: SVGSVGElement;
-  /// The frame of the data area, in pixels from the drawing's top left corner.
-  area: { left: number; top: number; right: number; bottom: number };
+  /// The frame of the data area.
+  area: Area;
   toX(value: number): number;
   toY(depth: number): number;
   fromX(pixel: number): number;
   fromY(pixel: number): number;
 }
 
-/// Up to this many levels in view, each gets its own mark; beyond, marks would only make a band.
-export const MOST_LEVEL_MARKS = 2000;
-
-const MARGIN = { top: 46, right: 18, bottom: 12, left: 56 };
-
-/// The view that shows all given levels with a little room around them.
-export function viewOf(
-  values: readonly number[],
-  depths: readonly number[],
-  wanted: (index: number) => boolean = () => true,
-): View {
-  const across = padded(extent(values, wanted), 0.06, 1);
-  const depth = padded(extent(depths, wanted), 0.03, 1);
-  return { across, depth };
+export interface Area {
+  left: number;
+  top: number;
+  right: number;
+  bottom: number;
 }
+
+/// Room around the data area for the axes, in CSS pixels.
+export const MARGIN = { top: 46, right: 10, bottom: 12, left: 10, leftWithDepths: 56 };
+
+/// Pixels that a digit takes in an axis, and from one number to the next.
+const DIGIT_PX = 7;
+const TICKS_APART_PX = 60;
 
 /// A quantity against depth, depth downward. Levels are circles of class "level-point", invalid
 /// ones crosses of class "level-invalid" besides, or arrows of class "invalid-beyond" at the edge
 /// beyond which their value lies. Joined levels are diamonds of class "level-joined" besides, with
-/// a line of their own; a line laid over has squares. Lines are thinned to what the pixels can show.
+/// a line of their own and a tint of the depths that they cover; a line laid over has squares. Lines
+/// are thinned to what the pixels can show.
 export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
-  const { values, label, depths, invalid, joined, over, view, width, height } = options;
+  const { values, label, depths, invalid, joined, over, under, view, left, width, height, hasDepthAxis } = options;
+  const marginLeft = hasDepthAxis ? MARGIN.leftWithDepths : MARGIN.left;
   const area = {
-    left: MARGIN.left,
+    left: left + marginLeft,
     top: MARGIN.top,
-    right: Math.max(width - MARGIN.right, MARGIN.left + 20),
+    right: left + Math.max(width - MARGIN.right, marginLeft + 20),
     bottom: Math.max(height - MARGIN.bottom, MARGIN.top + 20),
   };
   const [shallow, deep] = view.depth;
@@ -76,25 +90,24 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
 
   const lowestRow = Math.floor(area.top) - 1;
   const highestRow = Math.ceil(area.bottom) + 1;
-  const rowOf = (i: number) => {
-    const row = Math.round(toY(depths[i] ?? NaN));
-    return Math.min(Math.max(row, lowestRow), highestRow);
-  };
+  const rowAt = (depth: number) => Math.min(Math.max(Math.round(toY(depth)), lowestRow), highestRow);
+  const rowOf = (i: number) => rowAt(depths[i] ?? NaN);
   const line = split(thinLine(values, rowOf), joined);
   const overLine = thinLine(over.map((i) => values[i] ?? NaN), (i) => rowOf(over[i] ?? -1)).map((i) => over[i] ?? -1);
+  const underLine = under ? thinLine(under.values, (i) => rowAt(under.depths[i] ?? NaN)) : [];
 
   const inView = (i: number) => {
     const value = values[i] ?? NaN;
     const depth = depths[i] ?? NaN;
     return value >= low && value <= high && depth >= shallow && depth <= deep;
   };
-  const points = levelsInView(depths.length, (i) => inView(i) && !joined.has(i));
-  const joinedPoints = joined.size === 0 ? [] : levelsInView(depths.length, (i) => inView(i) && joined.has(i));
+  const most = options.mostMarks;
+  const points = levelsInView(depths.length, most, (i) => inView(i) && !joined.has(i));
+  const joinedPoints = joined.size === 0 ? [] : levelsInView(depths.length, most, (i) => inView(i) && joined.has(i));
   const overInView = over.filter(inView);
-  const overPoints = overInView.length > MOST_LEVEL_MARKS ? [] : overInView;
+  const overPoints = overInView.length > most ? [] : overInView;
   const pixelOf = (i: number) => [toX(values[i] ?? NaN), toY(depths[i] ?? NaN)] as const;
-  const thinned = (levels: number[]) =>
-    levels.length > MOST_LEVEL_MARKS ? thinMarks(levels, pixelOf) : levels;
+  const thinned = (levels: number[]) => (levels.length > most ? thinMarks(levels, pixelOf) : levels);
   const crosses = thinned(invalid.filter(inView));
   // Invalid values often lie far out; when they are zoomed away, their depths still show.
   const atDepth = invalid.filter((i) => {
@@ -106,38 +119,40 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
 
   const x = (i: number) => values[i] ?? NaN;
   const y = (i: number) => depths[i] ?? NaN;
+  const ticks = ticksAcross(view.across, toX, area);
+  const rows = tickCount(area.bottom - area.top, 48);
   const svg = Plot.plot({
     className: "profile-plot",
-    width: Math.max(width, MARGIN.left + MARGIN.right + 20),
+    width: Math.max(width, marginLeft + MARGIN.right + 20),
     height: Math.max(height, MARGIN.top + MARGIN.bottom + 20),
     marginTop: MARGIN.top,
     marginRight: MARGIN.right,
     marginBottom: MARGIN.bottom,
-    marginLeft: MARGIN.left,
+    marginLeft,
     x: { domain: [low, high], axis: null },
     y: { domain: [deep, shallow], axis: null },
     marks: [
-      Plot.gridX({ className: "grid", strokeOpacity: 1, ticks: tickCount(area.right - area.left, 80) }),
-      Plot.gridY({ className: "grid", strokeOpacity: 1, ticks: tickCount(area.bottom - area.top, 48) }),
+      Plot.rect(joinedZones(depths, joined), {
+        className: "joined-zone", x1: low, x2: high, y1: "from", y2: "to", clip: true,
+      }),
+      Plot.gridX(ticks, { className: "grid", strokeOpacity: 1 }),
+      Plot.gridY({ className: "grid", strokeOpacity: 1, ticks: rows }),
       Plot.frame({ className: "frame" }),
-      Plot.axisX({
-        className: "axis",
-        anchor: "top",
-        label,
-        labelAnchor: "center",
-        labelArrow: "none",
-        ticks: tickCount(area.right - area.left, 80),
-        tickFormat: plainNumber,
+      Plot.axisX(ticks, {
+        className: "axis", anchor: "top", label, labelAnchor: "center", labelArrow: "none", tickFormat: plainNumber,
       }),
-      Plot.axisY({
-        className: "axis",
-        anchor: "left",
-        label: "Depth (m)",
-        labelAnchor: "center",
-        labelArrow: "none",
-        ticks: tickCount(area.bottom - area.top, 48),
-        tickFormat: plainNumber,
-      }),
+      hasDepthAxis
+        ? Plot.axisY({
+            className: "axis", anchor: "left", label: "Depth (m)", labelAnchor: "center", labelArrow: "none",
+            ticks: rows, tickFormat: plainNumber,
+          })
+        : null,
+      under
+        ? Plot.line(underLine, {
+            className: "trace-under", clip: true, strokeWidth: 2,
+            x: (i: number) => under.values[i] ?? NaN, y: (i: number) => under.depths[i] ?? NaN,
+          })
+        : null,
       Plot.line(line.measured, { className: "trace", x, y, clip: true, strokeWidth: 1.5 }),
       Plot.line(line.joined, { className: "trace-joined", x, y, clip: true, strokeWidth: 1.7 }),
       Plot.dot(points, { className: "level-points", x, y, r: pointRadius(points.length), clip: true }),
@@ -156,6 +171,7 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
   for (const mark of svg.querySelectorAll(".level-points circle")) mark.classList.add("level-point");
   for (const mark of svg.querySelectorAll(".joined-levels path")) mark.classList.add("level-point", "level-joined");
   for (const mark of svg.querySelectorAll(".invalid-levels path")) mark.classList.add("level-invalid");
+  svg.style.left = `${left}px`;
 
   return {
     svg,
@@ -165,6 +181,47 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
     fromX: linear(area.left, area.right, low, high),
     fromY: linear(area.top, area.bottom, shallow, deep),
   };
+}
+
+/// Values for the numbers of the axis across: as many as have room, but two at least wherever two
+/// can stand side by side, as one alone is no scale.
+function ticksAcross(across: Span, toX: (value: number) => number, { left, right }: Area): number[] {
+  const widthOf = (value: number) => plainNumber(value).length * DIGIT_PX;
+  // Numbers at the very end of an axis would run into those of the panel beside it.
+  const hasRoom = (value: number) => {
+    const half = widthOf(value) / 2;
+    return toX(value) - half >= left - MARGIN.left && toX(value) + half <= right + MARGIN.right;
+  };
+  const least = Math.max(2, (right - left) / TICKS_APART_PX);
+  let ticks: number[] = [];
+  for (let count = least; count < least + 4 && ticks.length < 2; ++count) {
+    const finer = roundValues(across, count).filter(hasRoom);
+    const isClear = finer.every((value, i) => i === 0 || toX(value) - toX(finer[i - 1] ?? NaN) > widthOf(value) + 4);
+    if (isClear && finer.length > ticks.length) ticks = finer;
+  }
+  return ticks;
+}
+
+/// Whether a label fits over a data area of this width.
+export function labelFits(label: string, width: number): boolean {
+  return label.length * 6.4 <= width;
+}
+
+/// The depths that joined levels cover, each zone from the measured level beside them on.
+export function joinedZones(
+  depths: readonly number[],
+  joined: ReadonlySet<number>,
+): { from: number; to: number }[] {
+  if (joined.size === 0) return [];
+  const zones: { from: number; to: number }[] = [];
+  depths.forEach((depth, level) => {
+    const before = depths[level - 1];
+    if (before === undefined || !(joined.has(level) || joined.has(level - 1))) return;
+    const last = zones[zones.length - 1];
+    if (last && last.to === before) last.to = depth;
+    else zones.push({ from: before, to: depth });
+  });
+  return zones;
 }
 
 /// The pieces of a line, given by its corners, that run between measured levels, and those that lead
@@ -183,11 +240,11 @@ function split(line: number[], joined: ReadonlySet<number>): { measured: number[
 }
 
 /// The levels in view, or none when there are too many to be marked one by one.
-function levelsInView(count: number, inView: (index: number) => boolean): number[] {
+function levelsInView(count: number, most: number, inView: (index: number) => boolean): number[] {
   const levels: number[] = [];
   for (let i = 0; i < count; ++i) {
     if (!inView(i)) continue;
-    if (levels.length === MOST_LEVEL_MARKS) return [];
+    if (levels.length === most) return [];
     levels.push(i);
   }
   return levels;
@@ -208,22 +265,4 @@ function plainNumber(value: number): string {
 
 function linear(from: number, to: number, low: number, high: number): (value: number) => number {
   return (value) => low + ((value - from) / (to - from)) * (high - low);
-}
-
-function extent(values: readonly number[], wanted: (index: number) => boolean): Span {
-  let low = Infinity;
-  let high = -Infinity;
-  values.forEach((value, index) => {
-    if (Number.isNaN(value) || !wanted(index)) return;
-    if (value < low) low = value;
-    if (value > high) high = value;
-  });
-  return low <= high ? [low, high] : [0, 1];
-}
-
-/// The span widened by a share of its length on both sides, and to at least `least`.
-function padded([low, high]: Span, share: number, least: number): Span {
-  const length = high - low;
-  const room = Math.max(length * share, (least - length) / 2);
-  return [low - room, high + room];
 }

@@ -44,7 +44,7 @@ await build({
 const files = names.map((name) => join(outdir, name.replace(/\.ts$/, ".mjs")));
 // Each browser test file has a host and a browser of its own. The one that measures times runs by
 // itself: they should not be those of a machine that does two such things at once.
-const measuring = files.filter((file) => kind === "browser" && /display/.test(file));
+const measuring = files.filter((file) => kind === "browser" && /long-casts/.test(file));
 const others = files.filter((file) => !measuring.includes(file));
 // They wait for the page more than they work; the longest one begins, so that none is left over.
 const concurrent = kind === "browser" ? 3 : 1;

@@ -106,9 +106,7 @@ describe("extending", () => {
     const cells = (name: string) => page.locator(`.tabulator-row [tabulator-field=${name}]`).allTextContents();
     assert.deepEqual((await cells("svp_Temp")).slice(0, 7), ["–", "13.20", "12.70", "10.40", "9.40", "–", "–"]);
     assert.deepEqual((await cells("svp_Sal")).slice(3, 7), ["35.10", "35.20", "–", "–"]);
-    await page.getByRole("combobox", { name: "Plotted against depth" }).selectOption("Temperature");
-    assert.equal(await page.locator(".level-point").count(), 4);
-    await page.getByRole("combobox", { name: "Plotted against depth" }).selectOption("Sound speed");
+    assert.equal(await page.locator("[data-quantity=svp_Temp] .level-point").count(), 4);
   });
 
   test("a water mass that does not fit is refused in words, and the dialog stays", async () => {

@@ -189,38 +189,8 @@ describe("files of the user's", () => {
       for (const [key, value] of Object.entries(header)) {
         assert.equal(await page.locator(`#header [data-key=hsvp_${key}]`).textContent(), value, `${name} ${key}`);
       }
-      assert.equal(await page.locator(".level-point").count(), Number((await page.locator("#level-count").textContent())));
+      assert.equal(await page.locator("[data-quantity=svp_Speed] .level-point").count(), Number((await page.locator("#level-count").textContent())));
     }
-  });
-
-  test("temperature and salinity are plotted where a cast has them", async () => {
-    const page = await stage.samePage({ width: 1024, height: 600 });
-    const quantity = page.getByLabel("Plotted against depth");
-    await openCast(page, "shelf-summer.asvp");
-    assert.ok(await quantity.isHidden());
-    await openCast(page, "shelf-slope.vp2");
-    assert.deepEqual(await quantity.locator("option").allTextContents(), ["Sound speed", "Temperature", "Salinity"]);
-    const count = await page.locator(".level-point").count();
-    const across = () => page.locator(".level-point").evaluateAll((all) => all.map((point) => Number(point.getAttribute("cx"))));
-    const speeds = await across();
-    await quantity.selectOption("Temperature");
-    await page.locator(".profile-plot").getByText("Temperature (°C)").waitFor();
-    const temperatures = await across();
-    assert.equal(temperatures.length, count);
-    assert.notDeepEqual(temperatures, speeds);
-    // A level is further right than another exactly where its temperature is higher.
-    const cells = await page.locator(".tabulator-row").evaluateAll((rows) =>
-      rows.map((row) => Number(row.querySelectorAll(".tabulator-cell")[3]?.textContent)));
-    cells.slice(1).forEach((value, i) => {
-      const step = Math.sign(value - (cells[i] ?? NaN));
-      assert.equal(Math.sign((temperatures[i + 1] ?? NaN) - (temperatures[i] ?? NaN)), step, `level ${i + 2}`);
-    });
-    await picture(page, "temperature");
-    // Another cast keeps the choice where it can.
-    await openCast(page, "deep-cast.ssp");
-    await page.locator(".profile-plot").getByText("Temperature (°C)").waitFor();
-    await openCast(page, "shelf-summer.asvp");
-    await page.locator(".profile-plot").getByText("Sound speed (m/s)").waitFor();
   });
 
   test("a cast of another kind is saved under its own name with the suffix of what is written", async () => {
@@ -250,9 +220,3 @@ describe("files of the user's", () => {
     assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01");
   });
 });
-
-/// Keeps a picture for looking at, where a folder for it is named.
-async function picture(page: Page, name: string): Promise<void> {
-  const folder = process.env["SVP_PICTURES"];
-  if (folder) await page.screenshot({ path: join(folder, `${name}.png`) });
-}

@@ -8,6 +8,7 @@ export const undo = (page: Page): Locator => page.locator("#undo");
 
 /// Depths and sound speeds of the table's rows, and which of them are joined.
 export async function levels(page: Page): Promise<{ depths: number[]; speeds: number[]; joined: number[] }> {
+  await page.locator(".tabulator-row").first().waitFor();
   const rows = await page.locator(".tabulator-row").evaluateAll((all) =>
     all.map((row) => ({
       level: Number(row.getAttribute("data-level")),
@@ -76,4 +77,18 @@ export async function preview(page: Page, tolerance: string): Promise<void> {
 /// Levels of an .asvp file.
 export function fileLevels(text: string): [number, number][] {
   return text.trimEnd().split("\r\n").slice(1).map((line) => line.split(" ").map(Number) as [number, number]);
+}
+
+/// Made up likewise: so many levels, one every `step` metres, a little uneven from the hundredth on.
+export function probeCast(count: number, step: number, colder = 0): string {
+  const head = PROBE.slice(0, PROBE.indexOf("2\t1504.1"));
+  const rows = Array.from({ length: count }, (_, i) => {
+    const depth = 1 + i * step;
+    const uneven = i < 100 ? 0 : Math.sin(i * 12.9898) * 0.05;
+    const speed = 1482 + 34 * Math.exp(-depth / 70) + 0.0165 * depth + uneven - 3 * colder;
+    const temperature = 4 + 14 * Math.exp(-depth / 70) + uneven / 3 - colder;
+    const salinity = 35.1 - 1.2 * Math.exp(-depth / 30);
+    return `${[depth.toFixed(2), speed.toFixed(2), temperature.toFixed(3), salinity.toFixed(3)].join("\t")}\r\n`;
+  });
+  return head + rows.join("");
 }

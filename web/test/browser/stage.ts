@@ -128,7 +128,7 @@ export async function openCast(page: Page, name: string): Promise<void> {
 /// Waits until a cast is the open one, drawn and listed.
 export async function shown(page: Page, name: string): Promise<void> {
   await page.locator(`body[data-cast="${name}"]`).waitFor();
-  await page.locator(".profile-plot .trace path").waitFor({ state: "attached" });
+  await page.locator(".profile-plot .trace path").first().waitFor({ state: "attached" });
   await page.locator(".tabulator-row").first().waitFor();
 }
 

@@ -40,6 +40,11 @@ test("a level without a position still breaks the line", () => {
   assert.deepEqual(thinLine([1, 2, 3], (i) => (i === 1 ? NaN : 0)), [0, 1, 2]);
 });
 
+test("levels without a position in a row break the line once", () => {
+  assert.deepEqual(thinLine([1, NaN, NaN, NaN, 5, NaN, 7], (i) => i), [0, 1, 4, 5, 6]);
+  assert.equal(thinLine(new Array<number>(COUNT).fill(NaN), rowOf).length, 1);
+});
+
 test("marks on one pixel are drawn once", () => {
   const pixels: [number, number][] = [[1, 1], [1.2, 0.9], [2, 1], [1, 1]];
   assert.deepEqual(thinMarks([0, 1, 2, 3], (i) => pixels[i] ?? [0, 0]), [0, 2]);

@@ -244,3 +244,35 @@ test("a file that a page has written for itself is opened by nobody", () => {
   around.socket.receive(cast("a.asvp"));
   assert.deepEqual(told, ["opened a.asvp"]);
 });
+
+test("a file is read beside the open one and not put on the page", async () => {
+  const { around, engine, told } = page();
+  const looked = engine.look("a.asvp");
+  assert.deepEqual(around.socket.bodies("SVP_OpenSVP"), ["[a.asvp,asvp]"]);
+  assert.equal(engine.opening, "", "it is no opening to the page");
+  engine.open("b.asvp");
+  around.socket.receive(cast("a.asvp"));
+  around.socket.receive(cast("b.asvp"));
+  const look = await looked;
+  assert.ok("profile" in look && look.profile.filename === "a.asvp" && look.profile.count === 3);
+  assert.deepEqual(told, ["opened b.asvp"]);
+});
+
+test("why a file cannot be read beside the open one is told to who asked", async () => {
+  const { around, engine, told, wait } = page();
+  const failure = { whoami: "SVP_OpenSVP", result: "FAILURE", reason: "Filter not found." };
+  const refused = engine.look("a.asvp");
+  around.socket.receive(failure);
+  assert.deepEqual(await refused, { reason: "Filter not found." });
+  const bracketed = await engine.look("a[1].asvp");
+  assert.ok("reason" in bracketed && bracketed.reason.includes("bracket"));
+  const late = engine.look("b.asvp");
+  wait(30_000);
+  wait(1);
+  assert.deepEqual(await late, { reason: "No answer has come." });
+  const lost = engine.look("c.asvp");
+  around.socket.onclose?.();
+  assert.deepEqual(await lost, { reason: "No answer has come." });
+  // What the engine never answered to was the page's own report.
+  assert.deepEqual(told, ["silent"]);
+});

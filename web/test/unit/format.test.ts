@@ -81,3 +81,11 @@ test("counts, sizes and moments", () => {
   assert.equal(formatSize(3_400_000), "3.4 MB");
   assert.equal(formatMoment(new Date(Date.UTC(2026, 0, 2, 3, 4, 5))), "2026-01-02 03:04:05 UTC");
 });
+
+test("decimals are found of widened floats and of doubles alike", () => {
+  const floats = [1500.25, 1499.123, 0.1, 12000].map(Math.fround);
+  assert.equal(decimalsFor(floats), 3);
+  assert.equal(decimalsFor([...floats, Math.fround(3.4567)]), 4);
+  assert.equal(decimalsFor([Math.fround(0.1), Math.fround(-0.25)]), 2);
+  assert.equal(decimalsFor([0.1, 0.123]), 3, "a double that is no widened float");
+});
