@@ -192,12 +192,18 @@ function ticksAcross(across: Span, toX: (value: number) => number, { left, right
     const half = widthOf(value) / 2;
     return toX(value) - half >= left - MARGIN.left && toX(value) + half <= right + MARGIN.right;
   };
-  const least = Math.max(2, (right - left) / TICKS_APART_PX);
+  const isClear = (value: number, before: number | undefined) =>
+    before === undefined || toX(value) - toX(before) > (widthOf(value) + widthOf(before)) / 2 + 4;
+  const wanted = Math.max(2, (right - left) / TICKS_APART_PX);
   let ticks: number[] = [];
-  for (let count = least; count < least + 4 && ticks.length < 2; ++count) {
-    const finer = roundValues(across, count).filter(hasRoom);
-    const isClear = finer.every((value, i) => i === 0 || toX(value) - toX(finer[i - 1] ?? NaN) > widthOf(value) + 4);
-    if (isClear && finer.length > ticks.length) ticks = finer;
+  // More than wanted where most of those fall outside; every second or third where they are too close.
+  for (let more = 0; more < 4; ++more) {
+    const values = roundValues(across, wanted + more).filter(hasRoom);
+    for (const every of [1, 2, 3]) {
+      const some = values.filter((_, i) => i % every === 0);
+      if (some.length > ticks.length && some.every((value, i) => isClear(value, some[i - 1]))) ticks = some;
+      if (ticks.length >= 2) return ticks;
+    }
   }
   return ticks;
 }

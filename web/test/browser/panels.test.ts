@@ -82,6 +82,7 @@ describe("panels", () => {
     const [from, to] = [await middleOf(points(page, "svp_Temp").nth(5)), await middleOf(points(page, "svp_Temp").nth(20))];
     const ticks = (key: Key) => panel(page, key).locator("[aria-label='x-axis tick label'] text").allTextContents();
     const before = await ticks("svp_Speed");
+    assert.ok(before.length >= 2, `an axis of ${before.join()}`);
     await page.mouse.move(to.x - 8, from.y - 2);
     await page.mouse.down();
     await page.mouse.move(from.x + 8, to.y + 2, { steps: 5 });

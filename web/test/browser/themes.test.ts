@@ -75,6 +75,10 @@ describe("themes", () => {
       for (const part of ["#plot-legend", "#plot-panels", "#compare", "#plot", "#verdict", "#readout"]) {
         await assertInside(page, page.locator(part));
       }
+      // One number alone is no scale.
+      for (const panel of await page.locator(".profile-plot").all()) {
+        assert.ok((await panel.locator("[aria-label='x-axis tick label'] text").count()) >= 2);
+      }
       // The lines of a legend and of the plot are one colour, and those of the two casts are two.
       const stroke = (selector: string) =>
         page.locator(selector).first().evaluate((line) => getComputedStyle(line).stroke);
