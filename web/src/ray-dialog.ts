@@ -68,6 +68,8 @@ export class RayDialog {
   private readonly latest = new Latest<Wanted>((wanted) => this.ask(wanted));
   private profile: Profile | null = null;
   private seen: SeenCast[] = [];
+  /// What the rays on show, or the next ones, were asked for.
+  private asked: Wanted | null = null;
 
   constructor(
     private readonly asker: Asker,
@@ -159,24 +161,36 @@ export class RayDialog {
     this.latest.ask({ angle, profile, names, second: other ? samplesOf(other.profile) : reference(speed) });
   }
 
-  private async ask({ angle, profile, second, names }: Wanted): Promise<void> {
+  private async ask(wanted: Wanted): Promise<void> {
+    const { angle, profile, second } = wanted;
     const first = samplesOf(profile);
     let rays: Rays | null = null;
-    const answer = await this.asker.ask(Action.rays, raysBody(angle, first, second), (packet) => {
-      const found = raysOf(packet);
-      // The other pages' rays come here as well.
-      if (!found || !fits(found.first, angle, first) || !fits(found.second, angle, second)) return false;
-      rays = found;
-      return true;
-    });
-    if (profile !== this.profile) return;
+    this.asked = wanted;
+    const answer = await this.asker.ask(
+      Action.rays,
+      raysBody(angle, first, second),
+      (packet) => {
+        const found = raysOf(packet);
+        // The other pages' rays come here as well.
+        if (!found || !fits(found.first, angle, first) || !fits(found.second, angle, second)) return false;
+        rays = found;
+        return true;
+      },
+      () => this.showRays(wanted, rays, ""),
+    );
+    this.showRays(wanted, rays, "reason" in answer ? answer.reason : "");
+  }
+
+  private showRays(wanted: Wanted, rays: Rays | null, reason: string): void {
+    const { angle, profile, names } = wanted;
+    if (profile !== this.profile || wanted !== this.asked) return;
     this.plot.show(rays, angle, names);
     this.legend.replaceChildren(
       ...(rays ? [legendEntry("ray-first", names.first), legendEntry("ray-second", names.second)] : []),
     );
     this.facts.replaceChildren(...(rays ? [make("p", "", `Ray of ${angle}°.`), make("p", "", apartText(rays))] : []));
-    this.tell("reason" in answer ? raysFailedText(profile, names.second, answer.reason) : "");
-    this.fixButton.hidden = !("reason" in answer && answer.reason === "Profiles not accepted. Please run fix.");
+    this.tell(reason ? raysFailedText(profile, names.second, reason) : "");
+    this.fixButton.hidden = reason !== "Profiles not accepted. Please run fix.";
   }
 
   private tell(text: string): void {

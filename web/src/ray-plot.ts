@@ -38,9 +38,8 @@ export class RayPlot {
     overlay.setAttribute("aria-hidden", "true");
     overlay.append(this.cross, this.launch, this.firstRing, this.secondRing);
     for (const ring of [this.firstRing, this.secondRing]) ring.setAttribute("r", "5");
-    tip.hidden = true;
     tip.setAttribute("aria-hidden", "true");
-    element.append(this.drawing, overlay, tip);
+    element.append(this.drawing, overlay);
     element.addEventListener("pointerdown", (event) => this.press(event));
     element.addEventListener("pointermove", (event) => this.move(event));
     element.addEventListener("pointerup", () => this.release());
@@ -149,9 +148,11 @@ export class RayPlot {
       ring.setAttribute("cx", String(drawn.toX(distance)));
       ring.setAttribute("cy", String(drawn.toY(depth)));
     });
-    tip.hidden = !isInside || depths.every(Number.isNaN);
-    this.cross.setAttribute("d", tip.hidden || !drawn || !at ? "" : `M${at.x},${drawn.area.top}V${drawn.area.bottom}`);
-    if (!tip.hidden && drawn && at) this.drawTip(at, distance, depths as [number, number]);
+    const isTold = isInside && !depths.every(Number.isNaN);
+    this.cross.setAttribute("d", isTold ? `M${at.x},${drawn.area.top}V${drawn.area.bottom}` : "");
+    if (!isTold) return tip.remove();
+    this.element.append(tip);
+    this.drawTip(at, distance, depths as [number, number]);
   }
 
   private drawTip(at: { x: number; y: number }, distance: number, [first, second]: [number, number]): void {

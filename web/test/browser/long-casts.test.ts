@@ -82,7 +82,7 @@ describe("long casts", () => {
       for (let i = 0; i < 60; ++i) {
         await page.mouse.move(box.x + box.width * (0.2 + 0.7 * ((i % 7) / 7)), box.y + 60 + (i / 60) * (box.height - 90));
       }
-      assert.equal(await page.locator(".hover-ring").count(), 3);
+      assert.equal(await page.locator("#plot .hover-ring").count(), 3);
     }],
     ["table scroll", async (page) => {
       const box = await page.locator("#level-table").boundingBox();

@@ -119,10 +119,10 @@ describe("panels", () => {
       (await tip.innerText()).replace(/\s+/g, " "),
       `Level 11 Depth ${depth} m Speed ${speed} m/s Temp. ${temperature} °C Salinity ${salinity} PSU`,
     );
-    const rings = page.locator(".hover-ring");
+    const rings = page.locator("#plot .hover-ring");
     assert.equal(await rings.count(), 3);
     for (const middle of await middles(rings)) assert.ok(Math.abs(middle - y) < 1);
-    const cross = await page.locator(".crosshair").boundingBox();
+    const cross = await page.locator("#plot .crosshair").boundingBox();
     assert.ok(cross && cross.x + cross.width >= box.x + box.width - 1);
     await page.mouse.move(0, 0);
     await tip.waitFor({ state: "hidden" });
