@@ -10,6 +10,13 @@ target_compile_definitions(svp_options INTERFACE
   QT_NO_URL_CAST_FROM_STRING
   QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
   QT_DEPRECATED_WARNINGS)
+if(WIN32)
+  # Windows 10; its headers without what they seldom mean; printf as the C standard has it, which
+  # the system's own C library does not.
+  set(SVP_WINDOWS_DEFINITIONS _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX
+    __USE_MINGW_ANSI_STDIO=1)
+  target_compile_definitions(svp_options INTERFACE ${SVP_WINDOWS_DEFINITIONS})
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 takes values inside inlined containers for uninitialised once sanitizers are on.
   if(SVP_SANITIZE)

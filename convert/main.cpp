@@ -1,4 +1,5 @@
 #include "convert/convertprobe.h"
+#include "platform/platform.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -50,6 +51,7 @@ int refuse(const QString& reason)
 int main(int argc, char** argv)
 {
     prepareFileNames();
+    platform::useUtf8Console();
     const QCoreApplication app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(

@@ -1,7 +1,6 @@
 #include "datagram/filewriter.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QFileInfo>
 
 namespace datagram {
@@ -11,12 +10,12 @@ QString backupPath(const QString& path, const QDateTime& now)
     const QFileInfo file(path);
     const QString time = QStringLiteral("_bck_") + now.toString(QStringLiteral("yyyyMMdd_HHmmss"));
     const QString suffix = file.suffix().isEmpty() ? QString() : QLatin1Char('.') + file.suffix();
-    // A long name gives way to the time: what is kept must fit into a file name.
+    // A long name gives way to the time: what is kept must fit into a file name. Systems count
+    // bytes or UTF-16 units; there are never more units than bytes of UTF-8.
     QString base = file.completeBaseName();
     constexpr int longestName = 255;
     constexpr int roomForNumber = 7;
-    while (!base.isEmpty() &&
-           QFile::encodeName(base + time + suffix).size() > longestName - roomForNumber)
+    while (!base.isEmpty() && (base + time + suffix).toUtf8().size() > longestName - roomForNumber)
         base.chop(base.size() > 1 && base.at(base.size() - 1).isLowSurrogate() ? 2 : 1);
 
     const QString start = file.path() + QLatin1Char('/') + base + time;

@@ -23,6 +23,7 @@ enum ExitCode : int
 int fail(ExitCode code, const QString& reason)
 {
     std::fprintf(stderr, "svp-host: %s\n", reason.simplified().toUtf8().constData());
+    host::holdConsole();
     return code;
 }
 
@@ -66,7 +67,7 @@ int main(int argc, char** argv)
     problem = host::DataFolder(options.dataFolder).layOut(options.samplesFolder);
     if (!problem.isEmpty())
         return fail(kExitArguments, problem);
-    qputenv("ProgramData", options.dataFolder.toLocal8Bit());
+    host::setEnvironment("ProgramData", options.dataFolder);
     problem = plugin.load(options.pluginFile);
     if (!problem.isEmpty())
         return fail(kExitPlugin, problem);

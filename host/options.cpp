@@ -1,6 +1,8 @@
 #include "host/options.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <boost/asio/ip/address.hpp>
 
@@ -32,6 +34,33 @@ constexpr LimitOption kLimitOptions[] = {
     {"plugin-timeout-ms", &Limits::pluginTimeout, nullptr},
     {"stop-timeout-ms", &Limits::stopTimeout, nullptr},
 };
+
+/// Where the program is installed, its parts lie beside it, or in the system's folders for them.
+QString installedPart(const QString& beside, const QString& inSystem)
+{
+    const QDir folder(QCoreApplication::applicationDirPath());
+    for (const QString& part : {beside, inSystem}) {
+        QString path = QDir::cleanPath(folder.filePath(part));
+        if (QFileInfo::exists(path))
+            return path;
+    }
+    return {};
+}
+
+QString installedPlugin()
+{
+#ifdef Q_OS_WIN
+    const QString name = QStringLiteral("svpwebinterface.dll");
+#else
+    const QString name = QStringLiteral("libsvpwebinterface.so");
+#endif
+    return installedPart(name, QStringLiteral("../lib/svp-editor/") + name);
+}
+
+QString installedWeb()
+{
+    return installedPart(QStringLiteral("web"), QStringLiteral("../share/svp-editor/web"));
+}
 
 ParsedOptions refuse(const QString& text)
 {
@@ -89,15 +118,18 @@ ParsedOptions parseOptions(const QStringList& arguments)
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption plugin(QStringLiteral("plugin"),
-                                    QStringLiteral("The engine's plug-in (required)."),
-                                    QStringLiteral("file"));
+                                    QStringLiteral("The engine's plug-in; needed where it is not "
+                                                   "installed with this program."),
+                                    QStringLiteral("file"), installedPlugin());
     const QCommandLineOption data(
         QStringLiteral("data"),
-        QStringLiteral("Folder of settings and profiles; made where missing (required)."),
-        QStringLiteral("folder"));
+        QStringLiteral("Folder of settings and profiles, made where missing; needed where the "
+                       "environment variable ProgramData names none."),
+        QStringLiteral("folder"), qEnvironmentVariable("ProgramData"));
     const QCommandLineOption web(QStringLiteral("web"),
-                                 QStringLiteral("Folder of the page's files (required)."),
-                                 QStringLiteral("folder"));
+                                 QStringLiteral("Folder of the page's files; needed where they are "
+                                                "not installed with this program."),
+                                 QStringLiteral("folder"), installedWeb());
     const QCommandLineOption samples(
         QStringLiteral("samples"),
         QStringLiteral("Sample casts to copy when the profile folder is first made."),

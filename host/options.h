@@ -38,7 +38,8 @@ struct ParsedOptions
 };
 
 /// Reads the arguments (the first one is the program's name). Asks the file system only whether
-/// the named files and folders are there.
+/// the named files and folders are there. What is not named is looked for where the program is
+/// installed; the data folder is that of the environment variable ProgramData.
 ParsedOptions parseOptions(const QStringList& arguments);
 
 } // namespace host

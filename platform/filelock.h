@@ -34,6 +34,8 @@ class FileLock
   private:
     /// A file descriptor, or a handle of Windows; "none" and "invalid" are -1 for both.
     std::intptr_t m_handle = -1;
+    /// Windows refuses a lock to whoever holds it already.
+    [[maybe_unused]] bool m_isLocked = false;
 };
 
 } // namespace platform

@@ -34,7 +34,9 @@ bool FileLock::open(const QString& path)
 
 bool FileLock::tryLock()
 {
-    return m_handle != -1 && LockFile(handleOf(m_handle), 0, 0, lockedBytes, 0) != 0;
+    if (m_handle != -1 && !m_isLocked)
+        m_isLocked = LockFile(handleOf(m_handle), 0, 0, lockedBytes, 0) != 0;
+    return m_isLocked;
 }
 
 void FileLock::close()
@@ -46,6 +48,7 @@ void FileLock::close()
     UnlockFile(handleOf(m_handle), 0, 0, lockedBytes, 0);
     CloseHandle(handleOf(m_handle));
     m_handle = -1;
+    m_isLocked = false;
 }
 
 } // namespace platform

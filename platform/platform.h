@@ -28,6 +28,19 @@ QString dataRoot();
 /// a data root.
 QString defaultProfileFolder(const QString& windowsDefault);
 
+/// Whether a file below some folder may have this name, which may hold sub-folders, separated by
+/// "/". Windows keeps some names for devices ("NUL", "com1.txt"), takes a colon for a stream inside
+/// a file and drops blanks and dots at the end: such a name would lead to something else than the
+/// file that it says. Elsewhere every name is one.
+bool isFileName(const QString& name);
+
+/// Whether a file is there, a regular one: not a folder, a device or a pipe. Links are followed.
+bool isFile(const QString& path);
+
+/// A text as a text file of this system holds it: its lines, ended by "\n" in `text`, end in CR LF
+/// on Windows. Lines that end so already stay.
+QByteArray textFileBytes(const QByteArray& text);
+
 /// A file of the survey system that has a fixed place on Windows, `windowsPath`. Elsewhere it is
 /// `belowDataRoot` (e.g. "temp/token.lck") below the data root, empty without a data root.
 QString systemFile(const QString& windowsPath, const QString& belowDataRoot);
@@ -40,11 +53,15 @@ std::FILE* openStream(const QString& path, const char* mode);
 /// output on Windows, the error stream elsewhere.
 void debugOutput(const std::string& text);
 
+/// Lets a console show what this program writes, which is UTF-8, until it ends.
+void useUtf8Console();
+
 /// Receives what would go to the debug output; an empty function restores the system's own.
 using DebugSink = void (*)(const std::string& text);
 
-/// Sends the debug output to `sink` instead (for tests); null restores the system's own.
-void setDebugSink(DebugSink sink);
+/// Sends the debug output to `sink` instead (for tests); null restores the system's own. Returns
+/// where it went before.
+DebugSink setDebugSink(DebugSink sink);
 
 /// Replaces the file `path` by one that holds `content`, or makes it. The content goes into a
 /// temporary file in the same folder, is flushed and then renamed, so that a full disk or a

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 
 namespace platform {
@@ -52,7 +51,7 @@ bool readFile(const QString& path, QByteArray& content)
 {
     content.clear();
     // Opening a pipe or a device could wait for ever.
-    if (!QFileInfo(path).isFile())
+    if (!isFile(path))
         return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > maxFileSize)

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
@@ -39,6 +40,22 @@ QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
     return root.isEmpty() ? QString() : root + belowDataRoot;
 }
 
+bool isFileName(const QString& name)
+{
+    Q_UNUSED(name)
+    return true;
+}
+
+bool isFile(const QString& path)
+{
+    return QFileInfo(path).isFile();
+}
+
+QByteArray textFileBytes(const QByteArray& text)
+{
+    return text;
+}
+
 std::FILE* openStream(const QString& path, const char* mode)
 {
     const QFileInfo file(path);
@@ -62,6 +79,8 @@ bool syncToDisk(int handle)
     return ::fdatasync(handle) == 0 || errno == EINVAL || errno == ENOSYS;
 }
 
+void useUtf8Console() {}
+
 void debugOutput(const std::string& text)
 {
     if (debugSink != nullptr)
@@ -70,9 +89,9 @@ void debugOutput(const std::string& text)
         std::fputs(text.c_str(), stderr);
 }
 
-void setDebugSink(DebugSink sink)
+DebugSink setDebugSink(DebugSink sink)
 {
-    debugSink = sink;
+    return std::exchange(debugSink, sink);
 }
 
 } // namespace platform

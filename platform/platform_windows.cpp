@@ -3,15 +3,49 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <qt_windows.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <io.h>
+#include <string>
+#include <utility>
 
 namespace platform {
 
 namespace {
+
 DebugSink debugSink = nullptr;
+
+std::wstring wide(const QString& text)
+{
+    return text.toStdWString();
 }
+
+/// The path in the form that takes more than 260 characters and gives no name a meaning as a
+/// device.
+std::wstring plainPath(const QString& path)
+{
+    const QString absolute =
+        QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
+    if (absolute.startsWith(QLatin1String("\\\\")))
+        return L"\\\\?\\UNC\\" + wide(absolute.mid(2));
+    return L"\\\\?\\" + wide(absolute);
+}
+
+/// Whether Windows takes a file's name, without its folder, for a device: what stands before the
+/// first dot or colon decides.
+bool isDeviceName(const QString& name)
+{
+    static const QRegularExpression device(
+        QStringLiteral("^(CON|PRN|AUX|NUL|CONIN\\$|CONOUT\\$|(COM|LPT)[0-9\u00b9\u00b2\u00b3])"
+                       " *([.:]|$)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return device.match(name).hasMatch();
+}
+
+} // namespace
 
 QString nativePath(const QString& path)
 {
@@ -20,12 +54,58 @@ QString nativePath(const QString& path)
 
 QString environmentValue(const char* name)
 {
-    return qEnvironmentVariable(name);
+    // From the system, not from the C library: a host may be built with another one, which does
+    // not tell ours what it has set.
+    const std::wstring wideName = wide(QString::fromLatin1(name));
+    std::wstring value;
+    for (DWORD size = 256; size > value.size();) {
+        value.resize(size);
+        size = GetEnvironmentVariableW(wideName.c_str(), &value[0], size);
+        if (size < value.size()) { // without the end, once it fits
+            value.resize(size);
+            break;
+        }
+    }
+    return QString::fromStdWString(value);
 }
 
 QString defaultProfileFolder(const QString& windowsDefault)
 {
     return windowsDefault;
+}
+
+bool isFileName(const QString& name)
+{
+    const auto isPlain = [](QChar character) {
+        return character >= QLatin1Char(' ') && !QStringLiteral("<>:\"|?*\\").contains(character);
+    };
+    const QStringList parts = name.split(QLatin1Char('/'));
+    return std::all_of(parts.begin(), parts.end(), [&](const QString& part) {
+        return std::all_of(part.begin(), part.end(), isPlain) && !part.endsWith(QLatin1Char('.')) &&
+               !part.endsWith(QLatin1Char(' ')) && !isDeviceName(part);
+    });
+}
+
+bool isFile(const QString& path)
+{
+    // "\\.\" and "\\?\" lead to pipes, drives and devices.
+    const QString slashes = QDir::fromNativeSeparators(path);
+    if (slashes.startsWith(QLatin1String("//.")) || slashes.startsWith(QLatin1String("//?")) ||
+        isDeviceName(slashes.mid(slashes.lastIndexOf(QLatin1Char('/')) + 1)))
+        return false;
+    return QFileInfo(path).isFile();
+}
+
+QByteArray textFileBytes(const QByteArray& text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size() + text.count('\n'));
+    for (int i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r'))
+            bytes += '\r';
+        bytes += text[i];
+    }
+    return bytes;
 }
 
 QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
@@ -36,21 +116,22 @@ QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
 
 std::FILE* openStream(const QString& path, const char* mode)
 {
-    const QFileInfo file(path);
-    // Opening a pipe could wait for ever.
-    if (path.contains(QChar(0)) || (file.exists() && !file.isFile()))
+    if (path.isEmpty() || path.contains(QChar(0)) || (QFileInfo::exists(path) && !isFile(path)))
         return nullptr;
-    return _wfopen(reinterpret_cast<const wchar_t*>(path.utf16()),
-                   QString::fromLatin1(mode).toStdWString().c_str());
+    return _wfopen(plainPath(path).c_str(), wide(QString::fromLatin1(mode)).c_str());
 }
 
 bool keepAs(const QString& path, const QString& backup)
 {
-    const auto wide = [](const QString& name) {
-        return QDir::toNativeSeparators(name).toStdWString();
-    };
-    if (!QFileInfo(path).isSymLink() &&
-        CreateHardLinkW(wide(backup).c_str(), wide(path).c_str(), nullptr))
+    // A file that another program holds cannot be replaced, and a further name of it could not be
+    // taken back then.
+    HANDLE file = CreateFileW(plainPath(path).c_str(), DELETE,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    CloseHandle(file);
+    if (CreateHardLinkW(plainPath(backup).c_str(), plainPath(path).c_str(), nullptr))
         return true;
     return QFile::copy(path, backup); // refuses a name that is taken
 }
@@ -58,6 +139,13 @@ bool keepAs(const QString& path, const QString& backup)
 bool syncToDisk(int handle)
 {
     return _commit(handle) == 0;
+}
+
+void useUtf8Console()
+{
+    static const UINT earlier = GetConsoleOutputCP();
+    if (earlier != 0 && SetConsoleOutputCP(CP_UTF8) != 0)
+        std::atexit([] { SetConsoleOutputCP(earlier); });
 }
 
 void debugOutput(const std::string& text)
@@ -68,9 +156,9 @@ void debugOutput(const std::string& text)
         OutputDebugStringA(text.c_str());
 }
 
-void setDebugSink(DebugSink sink)
+DebugSink setDebugSink(DebugSink sink)
 {
-    debugSink = sink;
+    return std::exchange(debugSink, sink);
 }
 
 } // namespace platform

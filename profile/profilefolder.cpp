@@ -63,7 +63,7 @@ QString ProfileFolder::pathOf(const QString& name) const
         return {};
     const QString clean = QDir::cleanPath(relative);
     if (clean == QLatin1String("..") || clean.startsWith(QLatin1String("../")) ||
-        clean == QLatin1String("."))
+        clean == QLatin1String(".") || !platform::isFileName(clean))
         return {};
     return m_path + QLatin1Char('/') + clean;
 }

@@ -165,7 +165,7 @@ bool CDataFile::Save()
         return false;
     }
     if (!platform::replaceFile(QString::fromStdString(fileName),
-                               QByteArray::fromStdString(SaveText()))) {
+                               platform::textFileBytes(QByteArray::fromStdString(SaveText())))) {
         Trace(Error, "[CDataFile::Save] Unable to save file.");
         return false;
     }

@@ -52,7 +52,8 @@ class ConvertProgram : public testing::Test
         ProgramRun result;
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         result.exitCode = process.exitCode();
-        const QString output = QString::fromUtf8(process.readAllStandardOutput());
+        const QString output =
+            QString::fromUtf8(process.readAllStandardOutput().replace("\r\n", "\n"));
         result.lines = output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         result.errors = QString::fromUtf8(process.readAllStandardError());
         return result;
@@ -258,9 +259,13 @@ TEST_F(ConvertProgram, NoInputIsWrittenOver)
     const ProgramRun other = run({write(QStringLiteral("cast.txt"), rows), own});
     EXPECT_EQ(other.exitCode, 1);
     EXPECT_EQ(read(QStringLiteral("cast.asvp")), rows);
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "but for links, which Windows lets only administrators make";
+#else
     ASSERT_TRUE(QFile::link(own, path(QStringLiteral("link.asvp"))));
     EXPECT_EQ(run({own, write(QStringLiteral("link.txt"), rows)}).exitCode, 1);
     EXPECT_EQ(read(QStringLiteral("cast.asvp")), rows);
+#endif
 }
 
 TEST_F(ConvertProgram, ARunWritesEachProfileOnce)

@@ -111,6 +111,9 @@ TEST(SaveOtherFile, WhatCannotBeWrittenIsTold)
 
 TEST(SaveOtherFile, WhatALinkLeadsToIsKept)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows lets only administrators make links";
+#else
     const DataFolder folder;
     const QString real = folder.path(QStringLiteral("real.dat"));
     const QString link = folder.path(QStringLiteral("cast.ssp"));
@@ -125,6 +128,7 @@ TEST(SaveOtherFile, WhatALinkLeadsToIsKept)
     ASSERT_EQ(backups.size(), 1);
     EXPECT_FALSE(QFileInfo(folder.path(backups.first())).isSymLink());
     EXPECT_EQ(bytesOf(folder.path(backups.first())), "old");
+#endif
 }
 
 TEST(SaveOtherFile, ALongNameIsKeptToo)
@@ -158,6 +162,10 @@ TEST(SaveOtherFile, ALongNameIsKeptToo)
 
 TEST(SaveOtherFile, AKillAtAnyStepLosesNothing)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "the program that dies at a chosen step takes over calls of the C library of "
+                    "other systems";
+#else
     int steps = 0;
     for (int code = 9; code == 9; ++steps) {
         ASSERT_LT(steps, 10);
@@ -171,4 +179,5 @@ TEST(SaveOtherFile, AKillAtAnyStepLosesNothing)
     }
     // The second name of the older file, and at least one step that puts the new one in place.
     EXPECT_GE(steps, 3);
+#endif
 }

@@ -36,6 +36,8 @@ TEST(Engine, AnswersThePageAndTheUpload)
     // The engine keeps its settings in the data folder that it was given.
     EXPECT_TRUE(
         QFileInfo::exists(scene.dataFolder() + QStringLiteral("/Ardentide/tqrv/SVPEditor.ini")));
+    if (!HostProcess::canBeAsked())
+        GTEST_SKIP() << "but for its end: without a console there is no Ctrl+Break";
     host.terminate();
     EXPECT_EQ(page.awaitClose(), 1001);
     EXPECT_EQ(host.awaitExit(), 0);

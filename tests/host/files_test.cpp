@@ -95,6 +95,10 @@ constexpr char kSecret[] = "the secret outside";
 
 TEST_P(OutsidePath, IsNotServed)
 {
+#ifdef Q_OS_WIN
+    if (std::string(GetParam()) == "/link.html")
+        GTEST_SKIP() << "what Qt makes as a link on Windows is a shortcut, a plain file";
+#endif
     RunningHost host;
     writeFile(host.scene.path(QStringLiteral("secret.html")), kSecret);
     writeFile(host.scene.path(QStringLiteral("web-other/secret.html")), kSecret);

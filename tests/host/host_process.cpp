@@ -7,6 +7,10 @@
 #include <QProcessEnvironment>
 #include <gtest/gtest.h>
 
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
 namespace hosttest {
 
 void writeFile(const QString& path, const QByteArray& content)
@@ -52,6 +56,13 @@ HostProcess::HostProcess(const QStringList& arguments, const QStringList& enviro
     process_.setProcessEnvironment(variables);
     // A file, since nobody drains a pipe while a test talks to the host.
     process_.setStandardErrorFile(folder_.filePath(QStringLiteral("stderr")));
+#ifdef Q_OS_WIN
+    // On our console, and in a group of its own: Ctrl+Break is to reach it alone.
+    process_.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments* start) {
+        start->flags &= ~static_cast<unsigned long>(CREATE_NO_WINDOW);
+        start->flags |= CREATE_NEW_PROCESS_GROUP;
+    });
+#endif
     process_.start(QStringLiteral(SVP_HOST_FILE), arguments);
 }
 
@@ -94,6 +105,24 @@ int HostProcess::awaitExit(int patienceMs)
                        process_.exitStatus() == QProcess::NormalExit &&
                        process_.error() != QProcess::FailedToStart;
     return ended ? process_.exitCode() : -1;
+}
+
+void HostProcess::terminate()
+{
+#ifdef Q_OS_WIN
+    EXPECT_NE(GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(processId())), 0);
+#else
+    process_.terminate();
+#endif
+}
+
+bool HostProcess::canBeAsked()
+{
+#ifdef Q_OS_WIN
+    return GetConsoleCP() != 0;
+#else
+    return true;
+#endif
 }
 
 bool HostProcess::isRunning()

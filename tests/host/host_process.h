@@ -70,7 +70,11 @@ class HostProcess
     int awaitExit(int patienceMs = kPatienceMs);
 
     /// Asks it to stop, as a service manager does.
-    void terminate() { process_.terminate(); }
+    void terminate();
+
+    /// Whether it can be asked: Windows needs a console for that, and not every place where tests
+    /// run has one.
+    static bool canBeAsked();
     qint64 processId() const { return process_.processId(); }
     bool isRunning();
 

@@ -19,9 +19,10 @@ QStringList replaced(QStringList arguments, const char* option, const QString& v
 }
 
 /// What a start that fails says: one line, and nothing on stdout.
-void expectRefusal(const QStringList& arguments, int exitCode, const char* expected)
+void expectRefusal(const QStringList& arguments, int exitCode, const char* expected,
+                   const QStringList& environment = {})
 {
-    HostProcess host(arguments);
+    HostProcess host(arguments, environment);
     EXPECT_EQ(host.awaitExit(), exitCode);
     const QByteArray error = host.errorOutput();
     EXPECT_TRUE(error.startsWith("svp-host: ")) << error.constData();
@@ -76,7 +77,10 @@ TEST(Start, BadArgumentsAreRefused)
 {
     Scene scene;
     const QStringList good = scene.arguments();
-    expectRefusal({}, 1, "--plugin is missing");
+    expectRefusal(replaced(good, "--plugin", QString()), 1, "--plugin is missing");
+    expectRefusal({}, 1, "--web is missing", {QStringLiteral("ProgramData=") + scene.dataFolder()});
+    expectRefusal({QStringLiteral("--web"), scene.webFolder()}, 1, "--data is missing",
+                  {QStringLiteral("ProgramData=")});
     expectRefusal(good + QStringList{QStringLiteral("--nonsense")}, 1, "nonsense");
     expectRefusal(good + QStringList{QStringLiteral("stray")}, 1, "\"stray\"");
     expectRefusal(replaced(good, "--data", QString()), 1, "--data is missing");

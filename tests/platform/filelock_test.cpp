@@ -6,16 +6,30 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <memory>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#else
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#endif
 
 namespace {
 
 /// Whether some lock lies on the byte `at` of the file.
 bool isLocked(const QString& path, int at)
 {
+#ifdef Q_OS_WIN
+    HANDLE file = CreateFileW(QDir::toNativeSeparators(path).toStdWString().c_str(),
+                              GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                              nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    const bool isFree = LockFile(file, static_cast<DWORD>(at), 0, 1, 0) != 0;
+    CloseHandle(file);
+    return !isFree;
+#else
     const int file = ::open(QFile::encodeName(path).constData(), O_RDWR);
     struct flock range = {};
     range.l_type = F_WRLCK;
@@ -25,6 +39,7 @@ bool isLocked(const QString& path, int at)
     EXPECT_EQ(::fcntl(file, F_OFD_GETLK, &range), 0);
     ::close(file);
     return range.l_type != F_UNLCK;
+#endif
 }
 
 class FileLockTest : public testing::Test
@@ -94,7 +109,11 @@ TEST_F(FileLockTest, AProcessThatIsStartedMeanwhileDoesNotKeepIt)
     platform::FileLock lock;
     ASSERT_TRUE(lock.open(path) && lock.tryLock());
     QProcess child;
+#ifdef Q_OS_WIN
+    child.start(QStringLiteral("cmd"), QStringList());
+#else
     child.start(QStringLiteral("cat"), QStringList());
+#endif
     ASSERT_TRUE(child.waitForStarted());
     lock.close();
     EXPECT_FALSE(isLocked(path, 0));
@@ -111,10 +130,14 @@ TEST_F(FileLockTest, OnlyFilesAreOpened)
     EXPECT_FALSE(lock.open(folder.path(QStringLiteral("temp"))));
     EXPECT_FALSE(lock.open(folder.path(QStringLiteral("none/token.lck"))));
     EXPECT_FALSE(lock.open(path + QStringLiteral("/token.lck")));
+#ifdef Q_OS_WIN
+    EXPECT_FALSE(lock.open(QStringLiteral("NUL")));
+#else
     const QString pipe = folder.path(QStringLiteral("temp/pipe"));
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     EXPECT_FALSE(lock.open(pipe));
     EXPECT_FALSE(lock.open(QStringLiteral("/dev/null")));
+#endif
     EXPECT_FALSE(lock.tryLock());
     const QString fresh = folder.path(QStringLiteral("temp/new.lck"));
     EXPECT_TRUE(lock.open(fresh));

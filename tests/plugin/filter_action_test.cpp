@@ -6,9 +6,11 @@
 #include <QJsonArray>
 #include <gtest/gtest.h>
 
+#ifndef Q_OS_WIN
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -44,6 +46,8 @@ QByteArray table(const Engine& engine)
     return bytesOf(engine.folder.profile(tableName));
 }
 
+#ifndef Q_OS_WIN
+
 // Files of this process cannot grow while this lives, as on a full disk.
 class FullDisk
 {
@@ -61,6 +65,8 @@ class FullDisk
   private:
     rlimit m_earlier{};
 };
+
+#endif
 
 } // namespace
 
@@ -186,6 +192,9 @@ TEST(FilterAction, AFileInThePlaceOfTheFolderIsNone)
 
 TEST(FilterAction, AFullDiskLeavesTheTableAsItWas)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows bounds no file sizes of a process";
+#else
     Engine engine;
     const QByteArray before = QByteArray(goodRow) + "\n" + "old,.o,0,1,1,1,1,tab\n";
     engine.folder.writeProfile(tableName, before);
@@ -202,6 +211,7 @@ TEST(FilterAction, AFullDiskLeavesTheTableAsItWas)
     EXPECT_EQ(QDir(engine.folder.profile(QString()))
                   .entryList({tableName + QLatin1Char('*')}, QDir::Files),
               QStringList{tableName});
+#endif
 }
 
 TEST(FilterAction, AFilterThatOutgrowsTheTableIsRefused)

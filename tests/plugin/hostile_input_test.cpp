@@ -5,9 +5,11 @@
 #include <QJsonArray>
 #include <gtest/gtest.h>
 
+#ifndef Q_OS_WIN
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#endif
 
 // Whatever comes, the engine answers or keeps quiet as promised, and serves the next request.
 
@@ -109,13 +111,19 @@ TEST(HostileInput, FoldersAndPipesInThePlaceOfFiles)
 {
     Engine engine;
     QDir().mkpath(engine.folder.profile(QStringLiteral("folder.asvp")));
+#ifndef Q_OS_WIN
     const QString pipe = engine.folder.profile(QStringLiteral("pipe.asvp"));
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+#endif
     for (const char* name : {"folder.asvp", "pipe.asvp"})
         EXPECT_EQ(outcome(engine.request(QStringLiteral("SVP_OpenSVP"),
                                          QStringLiteral("[%1,asvp]").arg(QLatin1String(name)))),
                   QLatin1String("File does not exist or cannot be opened for reading"));
 
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "but for pipes, which Windows has not in folders, and for the default folder, "
+                    "which is no test's own there";
+#else
     QFile::remove(engine.folder.path(QStringLiteral("runcf/AbsCoeff.ini")));
     QDir().mkpath(engine.folder.path(QStringLiteral("runcf/AbsCoeff.ini")));
     testlog::expectWarning(QStringLiteral("Failed to read"));
@@ -123,10 +131,15 @@ TEST(HostileInput, FoldersAndPipesInThePlaceOfFiles)
     EXPECT_EQ(
         outcome(engine.request(QStringLiteral("SVP_OpenSVP"), QStringLiteral("[x.asvp,asvp]"))),
         QLatin1String("SUCCESS"));
+#endif
 }
 
 TEST(HostileInput, AReadOnlyDataRootServesReading)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows knows no read-only mounts; files that may not be written are tested "
+                    "as files held open";
+#else
     const DataFolder folder;
     folder.writeProfile(QStringLiteral("x.asvp"), asvp({"0 1500", "10 1499"}));
     // With backslashes, so that the rewriting of the configuration fails too.
@@ -161,4 +174,5 @@ TEST(HostileInput, AReadOnlyDataRootServesReading)
         umount(root.constData());
     else
         chmod(QFile::encodeName(folder.path(QString())).constData(), 0700);
+#endif
 }

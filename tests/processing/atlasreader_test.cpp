@@ -8,7 +8,9 @@
 
 #ifdef __linux__
 #include <fstream>
+#if defined(__linux__)
 #include <unistd.h>
+#endif
 #endif
 
 using namespace processing;

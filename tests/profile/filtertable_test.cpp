@@ -6,7 +6,9 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+#ifndef Q_OS_WIN
 #include <sys/stat.h>
+#endif
 
 using namespace profile;
 
@@ -411,11 +413,15 @@ TEST(FilterTable, WhatIsNoFileIsNotOpened)
     EXPECT_EQ(readFilterTable(table), FilterFile::NotOpened);
     EXPECT_FALSE(writeFilterTable("a"));
     QDir().rmdir(path);
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "but for pipes and links, which Windows has not or not for everybody";
+#else
     ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
     EXPECT_EQ(readFilterTable(table), FilterFile::NotOpened);
     QFile::remove(path);
     ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("nowhere")), path));
     EXPECT_EQ(readFilterTable(table), FilterFile::NotOpened);
+#endif
 }
 
 TEST(FilterTable, ATableHasABound)

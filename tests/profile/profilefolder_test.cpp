@@ -76,9 +76,11 @@ TEST(ProfileFolder, OnlyBackslashesOfTheConfigurationChange)
 
 TEST(ProfileFolder, TheDefaultLiesBelowTheDataRoot)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows has default folders of its own, see TheDefaultsOfWindows";
+#else
     const DataFolder data(QStringLiteral("data"), false);
-    testlog::expectWarning(QStringLiteral("Failed to read ") +
-                           data.path(QStringLiteral("runcf/AbsCoeff.ini")));
+    testlog::expectWarning(QStringLiteral("Failed to read ") + profile::configurationPath());
     const QString expected = data.path(QStringLiteral("qrvdata/svp_abscoeff"));
     EXPECT_EQ(profile::openedProfileFolder().path(), expected);
     data.write(QStringLiteral("runcf/AbsCoeff.ini"),
@@ -89,6 +91,7 @@ TEST(ProfileFolder, TheDefaultLiesBelowTheDataRoot)
     const ProfileFolder folder = profile::savedProfileFolder();
     folder.makeFolderOf(folder.pathOf(QStringLiteral("x.asvp")));
     EXPECT_TRUE(QDir(expected).exists());
+#endif
 }
 
 TEST(ProfileFolder, AFolderElsewhereIsNotMade)
@@ -103,17 +106,47 @@ TEST(ProfileFolder, AFolderElsewhereIsNotMade)
 
 TEST(ProfileFolder, AFolderInPlaceOfTheConfigurationIsNone)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows has default folders of its own, see TheDefaultsOfWindows";
+#else
     const DataFolder data(QStringLiteral("data"), false);
     QDir().mkpath(data.path(QStringLiteral("runcf/AbsCoeff.ini")));
     EXPECT_EQ(profile::savedProfileFolder().path(),
               data.path(QStringLiteral("qrvdata/svp_abscoeff")));
+#endif
 }
 
 TEST(ProfileFolder, WithoutADataRootThereIsNone)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows has default folders of its own, see TheDefaultsOfWindows";
+#else
     const DataFolder data;
     qunsetenv("ProgramData");
     testlog::expectWarning(QStringLiteral("Failed to read"));
     EXPECT_EQ(profile::openedProfileFolder().path(), QString());
     EXPECT_EQ(profile::savedProfileFolder().pathOf(QStringLiteral("x.asvp")), QString());
+#endif
 }
+
+#ifdef Q_OS_WIN
+
+TEST(ProfileFolder, TheDefaultsOfWindows)
+{
+    const DataFolder data(QStringLiteral("data"), false);
+    const QString opened = QStringLiteral("C:/ProgramData/Ardentide/qrvdata/svp_abscoeff");
+    const QString saved = QStringLiteral("C:/qrvdata/svp_abscoeff");
+    testlog::expectWarning(QStringLiteral("Failed to read"));
+    EXPECT_EQ(profile::openedProfileFolder().path(), opened);
+    EXPECT_EQ(profile::savedProfileFolder().path(), saved);
+    data.write(QStringLiteral("runcf/AbsCoeff.ini"), "[absLoc]\r\nInitialDir=\r\n");
+    EXPECT_EQ(profile::openedProfileFolder().path(), opened);
+    EXPECT_EQ(profile::savedProfileFolder().path(), saved);
+    QFile::remove(data.path(QStringLiteral("runcf/AbsCoeff.ini")));
+    QDir().mkpath(data.path(QStringLiteral("runcf/AbsCoeff.ini")));
+    EXPECT_EQ(profile::savedProfileFolder().path(), saved);
+    qunsetenv("ProgramData");
+    EXPECT_EQ(profile::openedProfileFolder().path(), opened);
+}
+
+#endif

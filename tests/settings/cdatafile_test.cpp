@@ -1,3 +1,4 @@
+#include "platform/platform.h"
 #include "settings/cdatafile.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/log.h"
@@ -184,7 +185,7 @@ TEST(CDataFile, SavesAndLoads)
     store.PutValue("k", "v", "", "s");
     EXPECT_TRUE(store.Save());
     EXPECT_FALSE(store.isDirty());
-    EXPECT_EQ(folder.read(QStringLiteral("größe 測.ini")), "\n[s]\nk=v\n");
+    EXPECT_EQ(folder.read(QStringLiteral("größe 測.ini")), platform::textFileBytes("\n[s]\nk=v\n"));
 
     CDataFile other;
     EXPECT_TRUE(other.Load(path));
@@ -227,7 +228,7 @@ TEST(CDataFile, ASectionAloneIsWorthSaving)
     store.CreateSection("s", "");
     store.SetFileName(folder.path(QStringLiteral("s.ini")).toStdString());
     EXPECT_TRUE(store.Save());
-    EXPECT_EQ(folder.read(QStringLiteral("s.ini")), "\n[s]\n");
+    EXPECT_EQ(folder.read(QStringLiteral("s.ini")), platform::textFileBytes("\n[s]\n"));
 }
 
 TEST(CDataFile, AMissingFileIsToldAndNotMade)

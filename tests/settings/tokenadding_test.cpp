@@ -151,6 +151,9 @@ TEST_F(TokenStoreTest, AMirrorThatCannotBeReplacedStays)
 
 TEST_F(TokenStoreTest, ALinkToTheMirrorIsFollowed)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows lets only administrators make links";
+#else
     const QString real = folder.path(QStringLiteral("elsewhere/mirror.json"));
     writeBytes(real, mirrorText(R"({"Name":"A","Type":1,"Value":1})"));
     QDir().mkpath(QFileInfo(paths.mirror).path());
@@ -158,6 +161,7 @@ TEST_F(TokenStoreTest, ALinkToTheMirrorIsFollowed)
     EXPECT_TRUE(store.addInteger(QStringLiteral("B"), QString(), 2));
     EXPECT_EQ(elementsOf(bytesOf(real)).size(), 2);
     EXPECT_TRUE(QFileInfo(paths.mirror).isSymLink());
+#endif
 }
 
 TEST_F(TokenStoreTest, TwoProcessesThatAddAtOnceLoseNothing)

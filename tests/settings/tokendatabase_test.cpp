@@ -11,8 +11,10 @@
 #include <QSqlQuery>
 
 #include <cmath>
+#ifndef Q_OS_WIN
 #include <sys/inotify.h>
 #include <unistd.h>
+#endif
 
 using settings::DatabaseRead;
 using settings::Token;
@@ -70,6 +72,8 @@ void makeDatabase(const QString& path, const QStringList& statements)
     QSqlDatabase::removeDatabase(name);
 }
 
+#ifndef Q_OS_WIN
+
 /// Counts how often a file is opened, by whomever.
 class OpenCounter
 {
@@ -92,6 +96,8 @@ class OpenCounter
     int m_queue = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     int m_watch = -1;
 };
+
+#endif
 
 } // namespace
 
@@ -122,6 +128,9 @@ TEST_F(TokenStoreTest, WithoutAMirrorTheDatabaseIsLoadedAndMirrored)
 
 TEST_F(TokenStoreTest, WithAMirrorTheDatabaseIsNotOpened)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Windows tells no program who opens a file";
+#else
     makeDatabase(paths.database, tables + rows);
     writeMirror(mirrorText(R"({"Name":"A","Type":1,"Value":1})"));
     const OpenCounter opened(paths.database);
@@ -139,6 +148,7 @@ TEST_F(TokenStoreTest, WithAMirrorTheDatabaseIsNotOpened)
     TokenStore other(paths);
     EXPECT_TRUE(other.initialise());
     EXPECT_TRUE(opened.sawAny());
+#endif
 }
 
 TEST_F(TokenStoreTest, WhatIsInMemoryIsMirroredAgain)

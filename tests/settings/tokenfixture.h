@@ -3,6 +3,9 @@
 #include "settings/tokenstore.h"
 #include "tests/support/datafolder.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -10,17 +13,34 @@
 class TokenStoreTest : public testing::Test
 {
   protected:
+#ifdef Q_OS_WIN
+    // Their places are fixed there, the same for all tests.
+    TokenStoreTest()
+    {
+        for (const QString& path : {paths.database, paths.missing}) {
+            QDir().mkpath(QFileInfo(path).path());
+            QFile::remove(path);
+        }
+    }
+#endif
+
     /// The text of a mirror with these elements of "tokens".
     static QByteArray mirrorText(const QByteArray& elements)
     {
         return R"({"version":1,"lastsave":"20260102_030405","tokens":[)" + elements + "]}";
     }
-    void writeMirror(const QByteArray& text) const { writeBytes(paths.mirror, text); }
-    QByteArray mirror() const { return bytesOf(paths.mirror); }
+    void writeMirror(const QByteArray& text) const
+    {
+        writeBytes(paths.mirror, text);
+    }
+    QByteArray mirror() const
+    {
+        return bytesOf(paths.mirror);
+    }
     /// The lines of the log of missing tokens.
     QList<QByteArray> missing() const
     {
-        QList<QByteArray> lines = bytesOf(paths.missing).split('\n');
+        QList<QByteArray> lines = bytesOf(paths.missing).replace("\r\n", "\n").split('\n');
         lines.removeLast(); // behind the last line end
         return lines;
     }
@@ -49,7 +69,7 @@ class TokenProcess
             if (!m_process.waitForReadyRead(timeLimit))
                 return false;
         }
-        return m_process.readLine() == "ready\n";
+        return m_process.readLine().trimmed() == "ready";
     }
     /// Sends it a line.
     void go()

@@ -39,14 +39,25 @@ const QStringList readLines{
 
 TEST_F(TokenStoreTest, TheFilesLieBelowTheDataRoot)
 {
+#ifdef Q_OS_WIN
+    EXPECT_EQ(paths.database, QStringLiteral("C:\\ProgramData\\Ardentide\\tqrv\\tqrv.db"));
+    EXPECT_EQ(QDir::fromNativeSeparators(paths.mirror),
+              folder.path(QStringLiteral("tqrv/QRVTokens.json")));
+    EXPECT_EQ(paths.lock, QStringLiteral("c:\\temp\\token.lck"));
+    EXPECT_EQ(paths.missing, QStringLiteral("c:/temp/missingtokens.txt"));
+#else
     EXPECT_EQ(paths.database, folder.path(QStringLiteral("tqrv/tqrv.db")));
     EXPECT_EQ(paths.mirror, folder.path(QStringLiteral("tqrv/QRVTokens.json")));
     EXPECT_EQ(paths.lock, folder.path(QStringLiteral("temp/token.lck")));
     EXPECT_EQ(paths.missing, folder.path(QStringLiteral("temp/missingtokens.txt")));
+#endif
 }
 
 TEST_F(TokenStoreTest, WithoutADataRootThereAreNoTokens)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "the places of the files are fixed on Windows, see TheFilesLieBelowTheDataRoot";
+#else
     qunsetenv("ProgramData");
     const settings::TokenPaths none = settings::systemTokenPaths();
     EXPECT_TRUE(none.database.isEmpty() && none.mirror.isEmpty());
@@ -60,6 +71,7 @@ TEST_F(TokenStoreTest, WithoutADataRootThereAreNoTokens)
     EXPECT_FALSE(lost.addInteger(QStringLiteral("A"), QString(), 1));
     EXPECT_TRUE(testlog::hasLine(QStringLiteral("Error creating handle to new file.")));
     EXPECT_TRUE(testlog::hasLine(QStringLiteral("saveJson - Error creating handle to new file.")));
+#endif
 }
 
 TEST_F(TokenStoreTest, ATokenIsFoundByItsName)
@@ -132,7 +144,8 @@ TEST_F(TokenStoreTest, TheLogOfMissingTokensIsContinued)
     EXPECT_TRUE(store.initialise());
     Token token;
     store.tokenValue(QStringLiteral("X"), token);
-    EXPECT_EQ(bytesOf(paths.missing), "earlier\nget_token_value missing token X\n");
+    EXPECT_EQ(bytesOf(paths.missing).replace("\r\n", "\n"),
+              "earlier\nget_token_value missing token X\n");
 }
 
 TEST_F(TokenStoreTest, AValueIsTakenForAnotherKindOnlyWhereNothingIsLost)

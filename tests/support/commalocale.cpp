@@ -9,8 +9,18 @@
 
 namespace {
 
+#ifdef Q_OS_WIN
+
+constexpr const char* germanLocale = "German";
+
+void provideLocale() {} // Windows has them all
+
+#else
+
+constexpr const char* germanLocale = "de_DE.UTF-8";
+
 // Compiled once per process; the C library finds it through LOCPATH.
-void compileLocale()
+void provideLocale()
 {
     static const QTemporaryDir folder;
     static const int outcome = QProcess::execute(QStringLiteral("localedef"),
@@ -21,12 +31,14 @@ void compileLocale()
     qputenv("LOCPATH", QFile::encodeName(folder.path()));
 }
 
+#endif
+
 } // namespace
 
 CommaLocale::CommaLocale() : m_earlier(std::setlocale(LC_ALL, nullptr))
 {
-    compileLocale();
-    std::setlocale(LC_ALL, "de_DE.UTF-8");
+    provideLocale();
+    std::setlocale(LC_ALL, germanLocale);
     QLocale::setDefault(QLocale(QLocale::German));
 }
 

@@ -5,10 +5,10 @@
 #include <QFileInfo>
 
 DataFolder::DataFolder(const QString& name, bool isConfigured)
-    : m_programData(m_temporary.filePath(name)), m_earlier(qgetenv("ProgramData"))
+    : m_programData(m_temporary.filePath(name)), m_earlier(qEnvironmentVariable("ProgramData"))
 {
     QDir().mkpath(m_programData);
-    qputenv("ProgramData", QFile::encodeName(m_programData));
+    setEnvironment("ProgramData", m_programData);
     if (isConfigured) {
         QDir().mkpath(path(QStringLiteral("qrvdata/svp_abscoeff")));
         write(QStringLiteral("runcf/AbsCoeff.ini"),
@@ -19,7 +19,7 @@ DataFolder::DataFolder(const QString& name, bool isConfigured)
 
 DataFolder::~DataFolder()
 {
-    qputenv("ProgramData", m_earlier);
+    setEnvironment("ProgramData", m_earlier);
 }
 
 QString DataFolder::path(const QString& relative) const
@@ -45,6 +45,16 @@ void DataFolder::writeProfile(const QString& name, const QByteArray& content) co
 QByteArray DataFolder::read(const QString& relative) const
 {
     return bytesOf(path(relative));
+}
+
+void setEnvironment(const char* name, const QString& value)
+{
+#ifdef Q_OS_WIN
+    // A narrow value would lose the letters outside of the system's code page.
+    _wputenv_s(QString::fromLatin1(name).toStdWString().c_str(), value.toStdWString().c_str());
+#else
+    qputenv(name, QFile::encodeName(value));
+#endif
 }
 
 QByteArray bytesOf(const QString& path)

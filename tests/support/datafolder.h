@@ -34,8 +34,11 @@ class DataFolder
   private:
     QTemporaryDir m_temporary;
     QString m_programData;
-    QByteArray m_earlier;
+    QString m_earlier;
 };
+
+/// Sets an environment variable of this process, in whatever letters.
+void setEnvironment(const char* name, const QString& value);
 
 /// The bytes of a file; empty if it is not there.
 QByteArray bytesOf(const QString& path);

@@ -1,0 +1,121 @@
+// The Debian package in a clean Debian 12: installed, its service's program run as its user, used
+// through the page, removed. Needs root, since it changes into that system (chroot).
+import assert from "node:assert/strict";
+import { execFileSync } from "node:child_process";
+import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, statSync } from "node:fs";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { after, before, test } from "node:test";
+import { root, startHost, useEditor } from "./session.mjs";
+
+const system = mkdtempSync(path.join(tmpdir(), "svp-deb-"));
+const state = path.join(system, "var/lib/svp-editor");
+const quiet = { stdio: ["ignore", "pipe", "pipe"], env: { PATH: "/usr/sbin:/usr/bin:/sbin:/bin", DEBIAN_FRONTEND: "noninteractive", LC_ALL: "C.UTF-8" } };
+const inside = (...command) => execFileSync("chroot", [system, ...command], quiet).toString();
+let file;
+let clean;
+
+/// Every file of the system, and its users and groups, without the state folder, what goes at the
+/// next start, and what the packaging system writes about its own work.
+function inventory() {
+  const files = execFileSync("find", [".", "-xdev", "(", "-path", "./var/lib/svp-editor", "-o", "-path", "./proc",
+    "-o", "-path", "./var/cache", "-o", "-path", "./var/log", "-o", "-path", "./var/lib/dpkg", "-o", "-path", "./var/lib/apt",
+    "-o", "-path", "./tmp", "-o", "-path", "./run", ")", "-prune", "-o", "-printf", "%p %y %m %u:%g %l\\n"], { cwd: system, maxBuffer: 1 << 26 }).toString();
+  return new Set([files, inside("getent", "passwd"), inside("getent", "group")].join("\n").split("\n"));
+}
+
+/// What has come and gone since `clean` was written down.
+function changes() {
+  const now = inventory();
+  return {
+    come: [...now].filter((line) => !clean.has(line)),
+    gone: [...clean].filter((line) => !now.has(line)),
+  };
+}
+const nothing = { come: [], gone: [] };
+
+before(() => {
+  chmodSync(system, 0o755); // as the root of a system is
+  const packages = path.join(root, "build/packages");
+  const debs = readdirSync(packages).filter((name) => /^svp-editor_\d+\.\d+\.\d+_amd64\.deb$/.test(name));
+  assert.equal(debs.length, 1, `in ${packages}: ${debs}`);
+  execFileSync("debootstrap", ["--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
+  copyFileSync(path.join(packages, debs[0]), path.join(system, "tmp", debs[0]));
+  file = `/tmp/${debs[0]}`;
+});
+after(() => {
+  rmSync(system, { recursive: true, force: true });
+});
+
+test("it installs with what it depends on", () => {
+  // Its dependencies first, so that what comes and goes with it alone can be told apart.
+  const depends = inside("dpkg-deb", "-f", file, "Depends").split(",").map((each) => each.trim().split(" ")[0]);
+  inside("apt-get", "update");
+  inside("apt-get", "install", "-y", "--no-install-recommends", ...depends);
+  // As on a machine that starts services.
+  inside("apt-get", "install", "-y", "--no-install-recommends", "systemd");
+  clean = inventory();
+  inside("dpkg", "-i", file);
+  assert.match(inside("dpkg", "-s", "svp-editor"), /Status: install ok installed/);
+  assert.equal(inside("stat", "-c", "%U:%G %a", "/var/lib/svp-editor").trim(), "svp-editor:svp-editor 755");
+});
+
+function unitLine(name) {
+  const unit = readFileSync(path.join(system, "usr/lib/systemd/system/svp-editor.service"), "utf8");
+  return new RegExp(`^${name}=(.*)$`, "m").exec(unit)?.[1];
+}
+
+test("its unit is one that systemd understands, and shuts the program in", () => {
+  assert.equal(inside("systemd-analyze", "verify", "--man=no", "/usr/lib/systemd/system/svp-editor.service"), "");
+  const said = inside("systemd-analyze", "security", "--offline=true", "--no-pager", "/usr/lib/systemd/system/svp-editor.service");
+  const exposure = Number(/Overall exposure level for svp-editor\.service: ([\d.]+)/.exec(said)?.[1]);
+  assert.ok(exposure < 2, said);
+  inside("systemctl", "enable", "svp-editor.service");
+  assert.ok(existsSync(path.join(system, "etc/systemd/system/multi-user.target.wants")));
+});
+
+test("its service's program serves a cast from opening to sending", async () => {
+  const [program, ...args] = unitLine("ExecStart").split(" ");
+  assert.match(unitLine("ExecStart"), /--listen 127\.0\.0\.1:8080$/);
+  const user = unitLine("User");
+  // Any free port, since other programs run on this machine; sample casts to have something to open.
+  const host = await startHost("chroot", [`--userspec=${user}:${unitLine("Group")}`, system, program, ...args,
+    "--listen", "127.0.0.1:0", "--samples", "/usr/share/svp-editor/samples"], { env: { PATH: quiet.env.PATH } });
+  const ended = new Promise((resolve) => host.process.on("close", resolve));
+  try {
+    await useEditor(host.url, path.join(state, "Ardentide/qrvdata/svp_abscoeff"));
+  } finally {
+    host.process.kill("SIGTERM");
+  }
+  assert.equal(await ended, 0, host.log());
+  assert.ok(existsSync(path.join(state, "Ardentide/tqrv/SVPEditor.ini")));
+});
+
+test("probe files are converted", () => {
+  const said = inside("svp-convert", "/usr/share/svp-editor/samples/edf-xbt.edf", "--to", "/tmp/converted");
+  assert.match(said, /EDF probe file; 10 levels, 1\.00 to 60\.00 m/);
+  rmSync(path.join(system, "tmp/converted"), { recursive: true });
+});
+
+test("removed, it leaves its state folder and nothing else", () => {
+  assert.match(inside("dpkg", "-r", "svp-editor"), /the profiles stay in \/var\/lib\/svp-editor/);
+  assert.deepEqual(changes(), nothing);
+  assert.ok(existsSync(path.join(state, "Ardentide/qrvdata/svp_abscoeff/gespeichert Süd 測深.asvp")));
+});
+
+test("installed anew, the profiles belong to its user again", () => {
+  inside("dpkg", "-i", file);
+  const owner = Number(inside("id", "-u", "svp-editor"));
+  assert.equal(statSync(path.join(state, "Ardentide/qrvdata/svp_abscoeff/ocean-full-depth.asvp")).uid, owner);
+});
+
+test("purged, it keeps the profiles and nothing else; an empty state folder goes too", () => {
+  inside("dpkg", "-P", "svp-editor");
+  assert.deepEqual(changes(), nothing);
+  assert.ok(existsSync(state));
+  rmSync(state, { recursive: true });
+  inside("dpkg", "-i", file);
+  inside("dpkg", "-P", "svp-editor");
+  assert.ok(!existsSync(state));
+  assert.deepEqual(changes(), nothing);
+});

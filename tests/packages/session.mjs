@@ -1,0 +1,114 @@
+// What a surveyor does with an installed program: opens a cast, checks it, saves it under another
+// name, and sends it to the survey system, whose place tools/qrv-listen takes.
+import assert from "node:assert/strict";
+import { spawn } from "node:child_process";
+import { readFileSync } from "node:fs";
+import path from "node:path";
+import { fileURLToPath } from "node:url";
+import { Page, fetchText } from "./client.mjs";
+
+export const root = path.dirname(path.dirname(path.dirname(fileURLToPath(import.meta.url))));
+
+/// Starts a program; resolves with {process, url} once the host says its address on stdout.
+export function startHost(command, args, options = {}) {
+  return new Promise((resolve, reject) => {
+    const process_ = spawn(command, args, { stdio: ["ignore", "pipe", "pipe"], ...options });
+    let out = "";
+    let log = "";
+    const timer = setTimeout(() => reject(new Error(`no address came\n${out}\n${log}`)), 60000);
+    process_.stderr.on("data", (text) => (log += text));
+    process_.stdout.on("data", (text) => {
+      out += text;
+      const url = /^(http:\/\/\S+)\r?\n/m.exec(out)?.[1];
+      if (!url) return;
+      clearTimeout(timer);
+      resolve({ process: process_, url, log: () => log });
+    });
+    process_.on("exit", (code) => {
+      clearTimeout(timer);
+      reject(new Error(`the host ended with ${code}\n${out}\n${log}`));
+    });
+    process_.on("error", reject);
+  });
+}
+
+/// The listener in the survey system's place; `datagram` resolves with what it says of the first
+/// one that comes. The port is one for the whole machine: whoever has it is waited for.
+async function listenForDatagram() {
+  for (let round = 0; round < 60; ++round) {
+    const listener = spawn(process.execPath, [path.join(root, "tools/qrv-listen"), "--count", "1"]);
+    let text = "";
+    const ended = new Promise((resolve) => listener.on("exit", (code) => resolve({ code, text })));
+    const isListening = new Promise((resolve) =>
+      listener.stdout.on("data", (part) => {
+        text += part;
+        if (text.includes("Listening")) resolve(true);
+      }));
+    if (await Promise.race([isListening, ended.then(() => false)])) return { listener, datagram: ended };
+    await new Promise((resolve) => setTimeout(resolve, 1000));
+  }
+  throw new Error("UDP port 14002 stays taken");
+}
+
+function assertSuccess(reply) {
+  assert.equal(reply.result, "SUCCESS", JSON.stringify(reply));
+}
+
+/// `profiles` is the folder of profiles as this side sees it.
+export async function useEditor(url, profiles) {
+  const front = await fetchText(`${url}/`);
+  assert.equal(front.status, 200);
+  const script = /src="([^"]+\.js)"/.exec(front.body)?.[1];
+  assert.ok(script, "the page has no script");
+  const loaded = await fetchText(new URL(script, `${url}/`));
+  assert.equal(loaded.status, 200);
+  assert.equal(loaded.body, readFileSync(path.join(root, "web/dist", script), "utf8"));
+
+  const { casts } = JSON.parse((await fetchText(`${url}/api/casts`)).body);
+  assert.ok(casts.some((cast) => cast.name === "ocean-full-depth.asvp"), JSON.stringify(casts));
+
+  const page = await Page.open(url);
+  try {
+    const cast = await page.ask("SVP_OpenSVP", "[ocean-full-depth.asvp,asvp]");
+    assertSuccess(cast);
+    const lines = readFileSync(path.join(root, "examples/ocean-full-depth.asvp"), "latin1").trim().split(/\r?\n/);
+    const rows = lines.slice(1).map((line) => line.trim().split(/\s+/).map(Number));
+    assert.deepEqual(cast.svp_Depth, rows.map(([depth]) => Math.fround(depth)));
+    assert.deepEqual(cast.svp_Speed, rows.map(([, speed]) => Math.fround(speed)));
+
+    const speeds = rows.map(([, speed]) => speed).join(",");
+    const depths = rows.map(([depth]) => depth).join(",");
+    const lists = `${speeds};${depths};0;0;0;0;0`;
+    const head = `1.0*0*${cast.hsvp_filetime}*${cast.hsvp_filelat}*${cast.hsvp_filelon}*0*0*0*source*NA*${rows.length}`;
+    const check = await page.ask("CheckProfile", `[${lists}*cast.asvp*SoundVelocity*${head}*NA]`);
+    assertSuccess(check);
+    assert.equal(check.tofix, "Existing profile depths and sound speeds are valid.");
+    const bad = await page.ask("CheckProfile", `[${lists.replace(speeds, speeds.replace(/^[\d.]+/, "1822.4"))}*cast.asvp*SoundVelocity*${head}*NA]`);
+    assert.deepEqual(bad.svpX, [Math.fround(1822.4)]);
+
+    const name = "gespeichert Süd 測深";
+    const pairs = rows.map((row) => row.join(",")).join(",");
+    const saved = await page.ask("SVP_SaveAs",
+      `[${pairs}*${name}*SoundVelocity*1.0*0*${cast.hsvp_filetime}*41.25*N*-29.7333*W*0*0*0*source*NA]`);
+    assertSuccess(saved);
+    assert.ok(saved.fullname.endsWith(`/${name}.asvp`), saved.fullname);
+    const text = readFileSync(path.join(profiles, `${name}.asvp`), "latin1");
+    assert.equal(text.replace(/^.*\r\n/, ""),
+      rows.map(([depth, speed]) => `${depth.toFixed(2)} ${speed.toFixed(2)}\r\n`).join(""));
+
+    const { listener, datagram } = await listenForDatagram();
+    try {
+      assertSuccess(await page.ask("SendSVPtoQRV", `[0*cast.asvp*${lists}*00*${head}*sent]`));
+      const arrived = await Promise.race([datagram,
+        new Promise((resolve, reject) => setTimeout(() => reject(new Error("no datagram came")), 20000).unref())]);
+      assert.match(arrived.text, /Verdict: +sound/);
+      assert.match(arrived.text, new RegExp(`Samples: +${rows.length} stated, ${rows.length} found`));
+      assert.match(arrived.text, /Position: +41° 15\.0000′ N, 29° 43\.\d+′ W/);
+      assert.equal(arrived.code, 0);
+    } finally {
+      listener.kill();
+    }
+  } finally {
+    page.close();
+  }
+}

@@ -1,0 +1,110 @@
+// The Windows package as a user has it: unpacked into an empty folder, with nothing of the build
+// in reach, run by wine.
+import assert from "node:assert/strict";
+import { execFileSync, spawn } from "node:child_process";
+import { mkdtempSync, mkdirSync, readdirSync, readFileSync, rmSync, existsSync } from "node:fs";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { after, before, test } from "node:test";
+import { fetchText } from "./client.mjs";
+import { root, startHost, useEditor } from "./session.mjs";
+
+const folder = mkdtempSync(path.join(tmpdir(), "svp-zip-"));
+const packages = path.join(root, "build/packages");
+let unpacked;
+
+const wine = path.join(root, "tools/windows/wine-run");
+const bare = { cwd: "", env: { ...process.env, SVP_BARE: "1" } };
+const windowsPath = (name) => `Z:${name.replaceAll("/", "\\")}`;
+
+before(() => {
+  const zips = readdirSync(packages).filter((name) => /^svp-editor-\d+\.\d+\.\d+-windows\.zip$/.test(name));
+  assert.equal(zips.length, 1, `in ${packages}: ${zips}`);
+  execFileSync("unzip", ["-q", path.join(packages, zips[0]), "-d", folder]);
+  assert.deepEqual(readdirSync(folder), [zips[0].replace(/\.zip$/, "")]);
+  unpacked = path.join(folder, zips[0].replace(/\.zip$/, ""));
+  bare.cwd = unpacked;
+});
+after(() => rmSync(folder, { recursive: true, force: true }));
+
+const imports = (file) =>
+  [...execFileSync("x86_64-w64-mingw32-objdump", ["-p", file], { maxBuffer: 1 << 28 }).toString().matchAll(/DLL Name: (\S+)/g)]
+    .map(([, name]) => name.toLowerCase());
+
+test("every library that is needed is there, and no other", () => {
+  const libraries = readdirSync(unpacked).filter((name) => /\.dll$/i.test(name));
+  const needed = new Set();
+  const queue = ["svp-host.exe", "svp-convert.exe", "svpwebinterface.dll", "sqldrivers/qsqlite.dll"];
+  while (queue.length > 0) {
+    for (const name of imports(path.join(unpacked, queue.pop()))) {
+      const own = libraries.find((library) => library.toLowerCase() === name);
+      if (own && !needed.has(own)) {
+        needed.add(own);
+        queue.push(own);
+      } else if (!own) {
+        // Not ours: then one that Windows has, which the compiler knows by its import library.
+        assert.ok(existsSync(`/usr/x86_64-w64-mingw32/lib/lib${name.replace(/\.dll$/, "")}.a`), name);
+        assert.doesNotMatch(name, /^(qt5|lib)/);
+      }
+    }
+  }
+  assert.deepEqual([...needed].sort(), libraries.filter((name) => name !== "svpwebinterface.dll").sort());
+  for (const name of ["Qt5Core.dll", "Qt5Network.dll", "Qt5Sql.dll"]) assert.ok(needed.has(name), name);
+  assert.deepEqual(readdirSync(path.join(unpacked, "sqldrivers")), ["qsqlite.dll"]);
+});
+
+test("the terms of what is passed on are there", () => {
+  const licences = readdirSync(path.join(unpacked, "licences")).sort();
+  assert.deepEqual(licences, ["boost.txt", "gcc-runtime.txt", "mingw-runtime.txt", "page.txt", "qt"]);
+  assert.ok(readdirSync(path.join(unpacked, "licences/qt")).length > 0);
+  assert.match(readFileSync(path.join(unpacked, "README.txt"), "utf8"), /svp-host\.exe/);
+});
+
+test("the host starts where it was unpacked and serves a cast from opening to sending", async () => {
+  const data = path.join(folder, "Daten Süd 測深 & more");
+  const host = await startHost(wine,
+    ["svp-host.exe", "--data", windowsPath(data), "--samples", "samples", "--listen", "127.0.0.1:0"], bare);
+  try {
+    const profiles = path.join(data, "Ardentide/qrvdata/svp_abscoeff");
+    await useEditor(host.url, profiles);
+    const settings = readFileSync(path.join(data, "Ardentide/tqrv/SVPEditor.ini"), "latin1");
+    assert.match(settings, /\r\n\[iniVer\]\r\nSVPEditorVersion=8\r\n/);
+    assert.ok(existsSync(path.join(profiles, "SVPExtension.txt")));
+  } finally {
+    host.process.removeAllListeners("exit");
+    host.process.kill();
+  }
+});
+
+test("Ctrl+C in its window stops the host", async () => {
+  // script(1) is the window; it takes what is typed from its input.
+  const data = path.join(folder, "window");
+  const shell = (word) => `'${word.replaceAll("'", "'\\''")}'`;
+  const command = [wine, "svp-host.exe", "--data", windowsPath(data), "--listen", "127.0.0.1:0"].map(shell).join(" ");
+  const said = path.join(folder, "said");
+  const window = spawn("script", ["-qefc", `${command} >${shell(said)} 2>&1`, "/dev/null"],
+    { ...bare, stdio: ["pipe", "ignore", "ignore"] });
+  const ended = new Promise((resolve) => window.on("exit", resolve));
+  let address = "";
+  for (let i = 0; i < 300 && !address; ++i) {
+    await new Promise((resolve) => setTimeout(resolve, 100));
+    address = existsSync(said) ? /^http:\S+/m.exec(readFileSync(said, "utf8"))?.[0] ?? "" : "";
+  }
+  assert.equal((await fetchText(`${address}/`)).status, 200);
+  window.stdin.write("\x03");
+  assert.equal(await ended, 0, readFileSync(said, "utf8"));
+  await assert.rejects(fetchText(`${address}/`));
+});
+
+test("a start that fails says why", () => {
+  const said = execFileSync("bash", ["-c", '"$@" 2>&1 || true', "-", wine, "svp-host.exe", "--web", "none"], bare).toString();
+  assert.match(said, /^svp-host: --web: there is no folder .*none\.\n$/);
+});
+
+test("probe files are converted", () => {
+  const to = path.join(folder, "Profile für 測深");
+  mkdirSync(to);
+  const said = execFileSync(wine, ["svp-convert.exe", "samples\\edf-xbt.edf", "--to", windowsPath(to)], bare).toString();
+  assert.match(said, /EDF probe file; 10 levels, 1\.00 to 60\.00 m/);
+  assert.deepEqual(readdirSync(to), ["edf-xbt.asvp"]);
+});
