@@ -304,6 +304,15 @@ TEST(FixAction, ExtendsFromTheAtlasWhereATokenSaysSo)
     // By the equation of Leroy and others in depth, which holds within 0.2 m/s: 1483.95.
     EXPECT_NEAR(lines.at(6).mid(7).trimmed().toDouble(), 1483.95, 0.2);
     EXPECT_FALSE(text.contains("\r\n500.00"));
+    // As a datagram too: the joined rows carry the depth as their first column, or the pressure.
+    for (const char* kind : {"01", "07"}) {
+        const QJsonObject reply = engine.request(fix, join(datagramFix(QLatin1String(kind))));
+        const QList<QByteArrayList> written =
+            rowsOf(bytesOf(reply.value(QLatin1String("fullname")).toString()));
+        ASSERT_EQ(written.size(), 11) << kind;
+        EXPECT_NEAR(written.at(5).at(1).toDouble(), 1483.95, 0.2);
+        EXPECT_NEAR(written.at(5).at(0).toDouble(), QByteArray(kind) == "01" ? 450.0 : 4.54, 0.01);
+    }
     // Another cell is land: no profile, no file.
     EXPECT_EQ(outcome(engine.request(fix, join(changed(asvpFix(), 6, QStringLiteral("40"))))),
               QLatin1String("Error generating WOA extension file."));
@@ -357,6 +366,8 @@ TEST(FixAction, RefusalsStandInTheirOrder)
          columns},
         {changed(lists(datagramFix(), "1500,1500,1500", "0,10,20", "3"), 2, QStringLiteral("00")),
          QStringLiteral("SUCCESS")},
+        {lists(asvpFix(), "1500,1500,1500,1500,1500,1500", "0,1,2,3,4,5;;;1,2,3,4,5", "6"),
+         QStringLiteral("Thinning error: element sizes are different")},
         {lists(asvpFix(), "1,2,3,4,5", "1,2,3,4,5", "5"), invalid},
         {lists(asvpFix(), "1,2,3,4,5,6", "1,2,3,4,5", "5"), invalid},
         {lists(asvpFix(), "1500,2,3,4,5,6", "0,2,3,4,5,6", "77"),
