@@ -15,6 +15,7 @@ import {
   fits,
   raysBody,
   raysOf,
+  isTraceable,
   reference,
   samplesOf,
   type Rays,
@@ -86,7 +87,9 @@ export class RayDialog {
       ...this.seen.map(({ label, profile: { count } }, i) => new Option(`${label}, ${levelCount(count)}`, String(i))),
       new Option(`A reference of ${REFERENCE_SPEED} m/s`, REFERENCE),
     );
-    this.choice.selectedIndex = 0;
+    // A cast that was just fixed lies beside one that cannot be traced.
+    const traceable = this.seen.findIndex((seen) => isTraceable(samplesOf(seen.profile)));
+    this.choice.selectedIndex = traceable < 0 ? this.seen.length : traceable;
     this.angle.value = this.angle.input.value || FIRST_ANGLE;
     this.speed.value = this.speed.input.value || String(REFERENCE_SPEED);
     this.typed();

@@ -36,6 +36,12 @@ export function reference(speed: number): Samples {
   return { depths: [0], speeds: [speed] };
 }
 
+/// Whether the engine takes samples as a second profile: six at least, each below the one before it.
+export function isTraceable({ depths }: Samples): boolean {
+  const step = 0.005;
+  return depths.length >= 6 && depths.every((depth, i) => i === 0 || (depths[i - 1] ?? NaN) < depth - step);
+}
+
 /// Body of a request for the ray of an angle, degrees below the horizontal, in two profiles.
 export function raysBody(angle: number, first: Samples, second: Samples): string {
   const list = (values: readonly number[]) => values.map(valueItem).join(",");

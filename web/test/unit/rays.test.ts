@@ -4,7 +4,7 @@ import { test } from "node:test";
 import { Latest } from "../../src/latest";
 import { apartText, metres } from "../../src/ray-plot";
 import { raysFailedText } from "../../src/ray-words";
-import { commonReach, depthAt, drawnPoints, fits, raysBody, raysOf, reference, samplesOf } from "../../src/rays";
+import { commonReach, depthAt, drawnPoints, fits, isTraceable, raysBody, raysOf, reference, samplesOf } from "../../src/rays";
 import { SeenCasts } from "../../src/seen-casts";
 import { profileWith } from "./support";
 
@@ -132,4 +132,14 @@ test("every refusal of rays is told in words, with what to do next", () => {
   assert.match(raysFailedText(cast, "b.asvp", "Memory allocation error or too few points in svp2."), /b\.asvp, has fewer/);
   assert.match(raysFailedText(cast, "b", "Input parameter error"), /Load the page again/);
   assert.equal(raysFailedText(cast, "b", "Another."), "Another.");
+});
+
+test("what is out of order or too short is no profile to begin with", () => {
+  const of = (...depths: number[]) => isTraceable({ depths, speeds: depths.map(() => 1500) });
+  assert.ok(of(0, 1, 2, 3, 4, 12000));
+  assert.ok(!of(0, 1, 2, 3, 12000), "five levels");
+  assert.ok(!of(0, 1, 2, 2, 4, 12000));
+  assert.ok(!of(0, 1, 2, 2.004, 4, 12000), "closer than the engine tells apart");
+  assert.ok(of(0, 1, 2, 2.006, 4, 12000));
+  assert.ok(!of());
 });
