@@ -8,7 +8,12 @@ export const undo = (page: Page): Locator => page.locator("#undo");
 
 /// Depths and sound speeds of the table's rows, and which of them are joined.
 export async function levels(page: Page): Promise<{ depths: number[]; speeds: number[]; joined: number[] }> {
-  await page.locator(".tabulator-row").first().waitFor();
+  // The table follows the cast a moment later; a short cast has all its rows in view.
+  await page.waitForFunction(() => {
+    const count = Number(document.getElementById("level-count")?.textContent);
+    const rows = document.querySelectorAll(".tabulator-row").length;
+    return count > 12 ? rows > 0 : rows === count;
+  });
   const rows = await page.locator(".tabulator-row").evaluateAll((all) =>
     all.map((row) => ({
       level: Number(row.getAttribute("data-level")),
