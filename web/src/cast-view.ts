@@ -5,7 +5,7 @@ import type { Verdict } from "./engine";
 import { formatClock, formatCount } from "./format";
 import { headerRows } from "./header-fields";
 import { legend, type LegendEntry } from "./legend";
-import { LevelTable } from "./level-table";
+import { LevelTable, type TableEvents } from "./level-table";
 import { PlotView, type PlotEdits } from "./plot-view";
 import { baseName, isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
@@ -48,9 +48,15 @@ export class CastView {
     zoomed: (zoomed) => (this.resetZoom.disabled = !zoomed),
     summarised: (text) => (byId("plot-summary").textContent = text),
   });
-  private readonly table = new LevelTable(byId("level-table"), (level) => void this.select(level));
+  readonly table: LevelTable;
 
-  constructor() {
+  /// `inTable` and `inPlot` are told of what the user does to levels there.
+  constructor(inTable: Omit<TableEvents, "select">, inPlot: PlotEdits) {
+    this.table = new LevelTable(byId("level-table"), "edit-fault", {
+      ...inTable,
+      select: (level) => void this.select(level),
+    });
+    this.plot.onEdit(inPlot);
     this.resetZoom.addEventListener("click", () => this.plot.reset());
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
@@ -76,30 +82,35 @@ export class CastView {
   show(profile: Profile): void {
     const begun = performance.now();
     this.take(profile);
-    if (this.compared === profile) this.compared = null;
+    this.table.show(profile, this.columns);
     this.plot.show(profile, this.columns, ...this.panels);
     this.plot.showUnder(this.compared && underOf(this.compared));
     this.showFacts();
     void this.select(-1).then(() => noteDrawn(begun));
   }
 
-  /// Shows what became of the open profile by an edit: zoom and comparison stay, and `selected` is
-  /// marked. Nothing of the check stays.
-  update(profile: Profile, selected: number): void {
+  /// Shows the open cast as it is after an edit at a level (or in the header, "here"): what is in view
+  /// stays so, and what lies under it. `isOnly` when no other level was changed.
+  update({ profile, verdict }: CastState, place: number | "here", isOnly: boolean): void {
+    const level = place === "here" ? this.selected : place;
+    const { compared } = this;
     this.take(profile);
+    this.table.update(profile, this.columns, isOnly ? level : undefined);
     this.plot.update(profile, this.columns, ...this.panels);
+    if (compared !== this.compared) this.plot.showUnder(null);
     this.showFacts();
-    void this.select(Math.min(selected, profile.count - 1));
-  }
-
-  /// Who is told of what the user does to levels in the plot.
-  onPlotEdit(edits: PlotEdits): void {
-    this.plot.onEdit(edits);
+    void this.select(Math.min(level, profile.count - 1));
+    if (verdict) this.tellVerdict(verdict);
   }
 
   /// Whether levels are edited in the plot by dragging and double click.
-  setEditing(on: boolean): void {
+  setPlotEditing(on: boolean): void {
     this.plot.setEditing(on);
+  }
+
+  /// The columns in which the open cast has something to say.
+  get shownColumns(): readonly Column[] {
+    return this.columns;
   }
 
   /// Lays another profile under the open one; null takes it away.
@@ -109,8 +120,10 @@ export class CastView {
     this.showLegend();
   }
 
+  /// Takes a profile for the open one, without what was told of the one before.
   private take(profile: Profile): void {
     this.profile = profile;
+    if (this.compared === profile) this.compared = null;
     this.columns = columnsOf(profile);
     this.quantities = plotQuantities(this.columns);
     this.invalid = [];
@@ -122,7 +135,6 @@ export class CastView {
     byId("level-count").textContent = formatCount(profile.count);
     byId("verdict").hidden = true;
     this.showHeader(profile);
-    this.table.show(profile, this.columns);
     this.showPanelChoice();
   }
 

@@ -120,8 +120,8 @@ export function shownValue(profile: Profile, key: ListKey, level: number): numbe
 }
 
 /// Whether the salinities of a profile are conductivities as its file has them.
-export function holdsConductivity({ header }: Profile): boolean {
-  return carriesConductivity(identifierOf(header.hsvp_filetype));
+export function holdsConductivity({ header, hasConductivities }: Profile): boolean {
+  return hasConductivities ?? carriesConductivity(identifierOf(header.hsvp_filetype));
 }
 
 /// One value of a level with its unit, "12.50 m".

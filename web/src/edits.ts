@@ -1,45 +1,148 @@
-/// What was done to the open cast since it was opened: what is not saved, and the steps back.
+/// The history of the open cast: what was done to it, the steps back and forth, and what no file
+/// holds.
+import { deltaOf, redone, undone, type Delta } from "./delta";
 import { baseName, type Profile } from "./profile";
 
-interface Step<State> {
-  label: string;
-  before: State;
+/// What a step brings to the page again; the verdict is of that profile, or null.
+export interface Snapshot<Verdict> {
+  profile: Profile;
+  verdict: Verdict | null;
 }
 
-/// `State` is what a step back brings to the page again.
-export class Edits<State> {
-  private steps: Step<State>[] = [];
-  /// What the files that this cast was read from and written to hold, by their names.
-  private files = new Map<string, Profile>();
+/// Where a step leads: to a level, to no other place than where the user is, or to another cast
+/// altogether.
+export type Place = number | "here" | "whole";
+
+/// A step taken.
+export interface Step<Verdict> extends Snapshot<Verdict> {
+  place: Place;
+  /// No level but the one at the place is another than before.
+  isOnly: boolean;
+}
+
+interface Entry<Verdict> {
+  label: string;
+  delta: Delta;
+  isLocal: boolean;
+  /// Revisions and verdicts at both ends.
+  from: number;
+  to: number;
+  before: Verdict | null;
+  after: Verdict | null;
+}
+
+export class Edits<Verdict> {
+  private done: Entry<Verdict>[] = [];
+  private taken: Entry<Verdict>[] = [];
+  /// Each state of a cast has a number of its own: a profile that a step makes anew is the same
+  /// state as before, though another object.
+  private revisions = new WeakMap<Profile, number>();
+  private lastRevision = 0;
+  /// Which states the files that this cast was read from and written to hold, by their names.
+  private files = new Map<string, number>();
+  private held: Profile | null = null;
+  private origin: Profile | null = null;
 
   /// A cast was opened; nothing was done to it.
   opened(profile: Profile): void {
-    this.steps = [];
-    this.files = new Map([[baseName(profile.filename), profile]]);
+    this.done = [];
+    this.taken = [];
+    this.files = new Map([[baseName(profile.filename), this.revisionOf(profile)]]);
+    this.held = this.origin = profile;
   }
 
-  /// Something was done. `label` says what a step back undoes, as in "Undo extend".
-  changed(label: string, before: State): void {
-    this.steps.push({ label, before });
+  /// Something was done. `label` says what a step back undoes, as in "Undo extend". `isLocal` when
+  /// it is an edit of some levels, so that a step leads back to their place.
+  changed(label: string, before: Snapshot<Verdict>, after: Profile, isLocal = false): void {
+    this.done.push({
+      label,
+      delta: deltaOf(before.profile, after),
+      isLocal,
+      from: this.revisionOf(before.profile),
+      to: this.revisionOf(after),
+      before: before.verdict,
+      after: null,
+    });
+    this.taken = [];
   }
 
   /// A file of this name holds the profile now, in place of what it held.
   saved(name: string, profile: Profile): void {
-    this.files.set(baseName(name), profile);
+    this.files.set(baseName(name), this.revisionOf(profile));
+    this.held = profile;
   }
 
   /// Whether no file holds this profile.
   isUnsaved(profile: Profile): boolean {
-    return ![...this.files.values()].includes(profile);
+    return ![...this.files.values()].includes(this.revisionOf(profile));
+  }
+
+  /// What a file has been known last to hold of the open cast; null before one was opened.
+  get inFile(): Profile | null {
+    return this.held;
   }
 
   /// Label of the step back, "" where there is none.
   get undoLabel(): string {
-    return this.steps[this.steps.length - 1]?.label ?? "";
+    return this.done[this.done.length - 1]?.label ?? "";
   }
 
-  /// Takes a step back, to what was there before; null where there is none.
-  undo(): State | null {
-    return this.steps.pop()?.before ?? null;
+  /// Label of the step forth again, "" where there is none.
+  get redoLabel(): string {
+    return (this.taken[this.taken.length - 1]?.label ?? "").replace(/^Undo/, "Redo");
   }
+
+  /// Takes a step back from what is on the page now; null where there is none.
+  undo(now: Snapshot<Verdict>): Step<Verdict> | null {
+    const entry = this.done.pop();
+    if (!entry) return null;
+    this.taken.push({ ...entry, after: now.verdict });
+    const profile = this.backFrom(now.profile, entry);
+    return { profile, verdict: entry.before, ...placeOf(entry, profile) };
+  }
+
+  /// Takes the step again that was taken back last; null where there is none.
+  redo(now: Snapshot<Verdict>): Step<Verdict> | null {
+    const entry = this.taken.pop();
+    if (!entry) return null;
+    this.done.push({ ...entry, before: now.verdict });
+    const profile = this.known(entry.to, () => redone(now.profile, entry.delta));
+    return { profile, verdict: entry.after, ...placeOf(entry, profile) };
+  }
+
+  /// What the open cast was before the step that was taken last; null where there was none.
+  earlier(now: Profile): Profile | null {
+    const entry = this.done[this.done.length - 1];
+    return entry ? this.backFrom(now, entry) : null;
+  }
+
+  private backFrom(now: Profile, { from, delta }: Entry<Verdict>): Profile {
+    return this.known(from, () => undone(now, delta));
+  }
+
+  /// The profile of a state. What was opened, and what a file holds, are at hand: others know them as
+  /// the objects that they are.
+  private known(revision: number, make: () => Profile): Profile {
+    const same = [this.origin, this.held].find((each) => each && this.revisions.get(each) === revision);
+    if (same) return same;
+    const profile = make();
+    this.revisions.set(profile, revision);
+    return profile;
+  }
+
+  private revisionOf(profile: Profile): number {
+    const known = this.revisions.get(profile);
+    if (known !== undefined) return known;
+    this.revisions.set(profile, ++this.lastRevision);
+    return this.lastRevision;
+  }
+}
+
+function placeOf(
+  { isLocal, delta: { at, before, after } }: Pick<Entry<unknown>, "isLocal" | "delta">,
+  { count }: Profile,
+): Pick<Step<unknown>, "place" | "isOnly"> {
+  if (!isLocal) return { place: "whole", isOnly: false };
+  if (before.count === 0 && after.count === 0) return { place: "here", isOnly: false };
+  return { place: Math.min(at, count - 1), isOnly: before.count === 1 && after.count === 1 };
 }

@@ -72,9 +72,9 @@ export function extended(before: Profile, { svpX, svpY }: Packet): Extended | nu
   for (let i = 0; i < svpX.length; ++i) {
     if (i >= below || (i >= front && isJoined(before, i - front))) joined.add(i);
   }
-  const { filename, header } = before;
+  const header = { ...before.header, hsvp_filesamp: svpX.length };
   return {
-    profile: { filename, header: { ...header, hsvp_filesamp: svpX.length }, lists, count: svpX.length, joined },
+    profile: { ...before, header, lists, count: svpX.length, joined },
     joined: added.length,
     from: added[0]?.depth ?? NaN,
     to: added.reduce((most, { depth }) => Math.max(most, depth), -Infinity),

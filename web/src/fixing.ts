@@ -1,5 +1,4 @@
 /// Casts that are repaired in one step: what is sent for it, and the profile that comes of it.
-import { extended } from "./extension";
 import { baseName, type Profile } from "./profile";
 import { textPiece } from "./protocol";
 import type { Occasion } from "./protocol-output";
@@ -71,15 +70,4 @@ const ROUNDING = 0.0055;
 /// Whether a profile begins below the surface.
 export function lacksSurface({ lists, count }: Profile): boolean {
   return count > 0 && (lists.svp_Depth[0] ?? NaN) > 0;
-}
-
-/// The profile with a level at 0 m in front, of the first level's sound speed.
-export function withSurface(profile: Profile): Profile {
-  const { svp_Depth, svp_Speed } = profile.lists;
-  const put = extended(profile, {
-    whoami: "",
-    svpX: [svp_Speed[0] ?? NaN, ...svp_Speed],
-    svpY: [0, ...svp_Depth],
-  });
-  return put?.profile ?? profile;
 }

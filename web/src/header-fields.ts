@@ -38,6 +38,11 @@ const FIELDS: Record<HeaderKey, { label: string; read: (value: Value) => string 
   hsvp_filecomment: { label: "Comment", read: asText },
 };
 
+/// What a field is called.
+export function headerLabel(key: HeaderKey): string {
+  return FIELDS[key].label;
+}
+
 /// All thirteen fields, given or not, in a fixed order.
 export function headerRows(header: Header): HeaderRow[] {
   return HEADER_KEYS.map((key) => {
@@ -47,7 +52,8 @@ export function headerRows(header: Header): HeaderRow[] {
   });
 }
 
-function asText(value: Value): string {
+/// A header value as text; "" where it is none.
+export function asText(value: Value): string {
   const text = String(value ?? "").trim();
   return isAbsent(text) ? "" : text;
 }

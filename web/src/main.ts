@@ -1,22 +1,23 @@
 /// The page: its parts made and joined.
 import { Asker } from "./asker";
+import { bringBack } from "./bring-back";
 import { CastList, fetchCasts } from "./casts";
 import { CastView, type CastState } from "./cast-view";
 import { CompareDialog } from "./compare-dialog";
 import { ComparedCasts } from "./compared-casts";
-import { Connection, type ConnectionState } from "./connection";
+import { Connection } from "./connection";
 import { ask, isAsking } from "./dialog";
 import { byId } from "./dom";
 import { listenForDrops } from "./drop-zone";
-import { Edits } from "./edits";
+import { Editing } from "./editing";
+import { Edits, type Place } from "./edits";
 import { Engine } from "./engine";
 import { ExtendDialog } from "./extend-dialog";
 import { extendedText, thinnedText } from "./extend-words";
 import { Extender } from "./extender";
 import { FilterDialog } from "./filter-dialog";
 import { FilterTable, browserSafe } from "./filter-table";
-import { formatClock } from "./format";
-import { Menu } from "./menu";
+import { LinkState } from "./link-state";
 import { Messages } from "./messages";
 import { isAboutFilter, openFailedText } from "./open-words";
 import { Outbox } from "./outbox";
@@ -29,25 +30,38 @@ import {
   workText,
 } from "./outbox-words";
 import { Output, leftOut } from "./output";
+import { OutputMenus } from "./output-menus";
 import { isOwnFile } from "./own-files";
 import { postFile } from "./post-file";
-import { Repair } from "./repair";
 import { sameFile, sameProfile, type Profile } from "./profile";
 import { Action, SUCCESS } from "./protocol";
+import { Repair } from "./repair";
 import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
 import { ThinDialog } from "./thin-dialog";
 import { Thinner, type ThinnedFile } from "./thinner";
+import { UnsavedStore } from "./unsaved-store";
 import { Uploads, type PickedFile } from "./uploads";
 
 const EXPIRE_EVERY_MS = 1000;
 
 const theme = new ThemeSwitch(byId<HTMLButtonElement>("theme"));
 const messages = new Messages(byId("messages"));
-const castView = new CastView();
+const editing: Editing = new Editing((): CastView => castView, {
+  changed: change,
+  told: (text) => messages.add({ kind: "notice", text }),
+});
+const castView = new CastView(editing.inTable, editing.inPlot);
 const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => void leaving(() => engine.open(name)));
 const connection = new Connection(new URL("ws", location.href).href.replace(/^http/, "ws"));
-const edits = new Edits<CastState>();
+const edits = new Edits<NonNullable<CastState["verdict"]>>();
+const unsaved = new UnsavedStore((reason) =>
+  messages.add({
+    kind: "alert",
+    key: "unsaved",
+    text: `This browser cannot keep unsaved edits over a reload. Save before you leave the page. ${reason}`,
+  }),
+);
 const checkButton = byId<HTMLButtonElement>("check");
 
 const engine = new Engine(connection, {
@@ -167,6 +181,7 @@ const thinDialog = new ThinDialog(new Thinner(asker, connection), {
 });
 const repair = new Repair(asker, connection, {
   open: () => castView.open,
+  earlier: () => castView.open && edits.earlier(castView.open),
   change,
   saved: (name, profile) => edits.saved(name, profile),
   mark: (name) => castList.mark(name),
@@ -191,26 +206,7 @@ async function listedNow(name: string): Promise<string> {
   return castList.listed(name);
 }
 
-const sendButton = byId<HTMLButtonElement>("send");
-const sendMenu = new Menu(sendButton, [
-  {
-    label: "Survey system",
-    detail: "As a datagram, to UDP port 14002 of the host’s machine",
-    run: () => void output.send(),
-  },
-  { label: "Receiver", detail: "Depth and sound speed, to the RVT300", run: () => void output.toReceiver() },
-  { label: "Distribute", detail: "Depth and sound speed, to all that take them", run: () => void output.distribute() },
-]);
-const saveButton = byId<HTMLButtonElement>("save");
-const saveMenu = new Menu(saveButton, [
-  { label: "Save", detail: "As .asvp, under the cast’s own name", run: () => void output.save() },
-  { label: "Save as…", detail: "As .asvp, under another name", run: () => void output.saveAs() },
-  {
-    label: "Save as datagram file…",
-    detail: "As .ssp, with all that the datagram carries",
-    run: () => void output.saveDatagram(),
-  },
-]);
+const outputMenus = new OutputMenus(output);
 
 /// The cast that the user has agreed to leave although it is not saved.
 let agreed: Profile | null = null;
@@ -250,15 +246,17 @@ function arrived(profile: Profile): void {
 function show(profile: Profile): void {
   agreed = null;
   comparison.opened(profile);
+  output.forget();
   edits.opened(profile);
   repair.opened(profile);
   put({ profile, verdict: null });
 }
 
 /// Puts a cast on the page, freshly opened or not.
-function put(state: CastState): void {
+function put(state: CastState, place: Place = "whole", isOnly = false): void {
   engine.forgetCheck();
-  castView.restore(state);
+  if (place === "whole") castView.restore(state);
+  else castView.update(state, place, isOnly);
   castList.mark(state.profile.filename);
   document.body.classList.add("has-cast");
   showEdits();
@@ -266,28 +264,48 @@ function put(state: CastState): void {
 }
 
 /// Puts what was made of the open cast in its place.
-function change(label: string, profile: Profile): void {
+function change(label: string, profile: Profile, place: Place = "whole", isOnly = false): void {
   const before = castView.state;
   if (before) {
-    edits.changed(label, before);
+    edits.changed(label, before, profile, place !== "whole");
     repair.changed(before.profile, profile);
   }
-  put({ profile, verdict: null });
+  put({ profile, verdict: null }, place, isOnly);
 }
 
 function undo(): void {
-  const before = edits.undo();
-  if (before) put(before);
+  if (castView.state) take(castView.state, edits.undo(castView.state));
+}
+
+function redo(): void {
+  if (castView.state) take(castView.state, edits.redo(castView.state));
+}
+
+/// Puts on the page where a step back or forth leads.
+function take(before: CastState, step: ReturnType<typeof edits.undo>): void {
+  if (!step) return;
+  repair.changed(before.profile, step.profile);
+  put(step, step.place, step.isOnly);
 }
 
 function showEdits(): void {
   const { open } = castView;
+  const { inFile, undoLabel, redoLabel } = edits;
   const isUnsaved = open !== null && edits.isUnsaved(open);
-  const undoButton = byId("undo");
-  undoButton.textContent = edits.undoLabel;
-  undoButton.hidden = edits.undoLabel === "";
+  showStep("undo", undoLabel);
+  showStep("redo", redoLabel);
   byId("unsaved").textContent = isUnsaved ? "Not saved" : "";
-  byId("edits").hidden = !isUnsaved && undoButton.hidden && !open?.joined;
+  editing.refresh();
+  if (isUnsaved && inFile) unsaved.keep(inFile, open);
+  else unsaved.clear();
+}
+
+function showStep(id: "undo" | "redo", label: string): void {
+  const stepButton = byId(id);
+  // A button that goes away must not take the keyboard with it.
+  if (label === "" && document.activeElement === stepButton) castView.focusTable();
+  stepButton.textContent = label;
+  stepButton.hidden = label === "";
 }
 
 function extend(): void {
@@ -330,8 +348,7 @@ function showWaiting(): void {
     ? `Handing in ${uploads.current.name}…`
     : opening ? `Opening ${opening}…` : workText(outbox.current);
   const isOpen = castView.open !== null && castView.open.count > 0;
-  sendButton.disabled = !isOpen;
-  saveButton.disabled = !isOpen;
+  outputMenus.enable(isOpen);
   byId<HTMLButtonElement>("extend").disabled = !isOpen;
   byId<HTMLButtonElement>("thin").disabled = !isOpen;
   repair.enable(isOpen);
@@ -366,49 +383,17 @@ async function refresh(): Promise<void> {
   }
 }
 
-let lostAt: Date | null = null;
-let everOpen = false;
-
-function showConnection(state: ConnectionState): void {
-  const badge = byId("connection");
-  badge.dataset["state"] = state.kind === "connecting" && lostAt ? "lost" : state.kind;
-  if (state.kind === "open") {
-    badge.textContent = "Connected";
-    if (lostAt && everOpen) {
-      messages.add({
-        kind: "notice",
-        key: "connection",
-        text: `The connection was lost at ${formatClock(lostAt)} and is back.`,
-      });
-    } else if (lostAt) {
-      messages.dismiss("connection");
-    }
-    lostAt = null;
-    everOpen = true;
-    void refresh();
-    void refreshKinds();
-  } else if (state.kind === "lost") {
-    badge.textContent = "Connection lost, trying again";
-    if (lostAt) return;
-    lostAt = new Date();
-    messages.add({
-      kind: "failure",
-      key: "connection",
-      text: everOpen
-        ? "The connection to the host was lost. The page keeps trying to get it back."
-        : "The host cannot be reached. The page keeps trying.",
-    });
-  } else if (!lostAt) {
-    badge.textContent = "Connecting";
-  }
-}
+const linkState = new LinkState(messages, () => {
+  void refresh();
+  void refreshKinds();
+});
 
 const help = byId<HTMLDialogElement>("help");
 const shortcuts: Shortcut[] = [
   { key: "L", text: "Go to the list of casts", run: () => castList.focus() },
-  { key: "P", text: "Go to the plot", run: () => castView.focusPlot() },
+  { key: "G", text: "Go to the plot", run: () => castView.focusPlot() },
   { key: "V", text: "Go to the table of levels", run: () => castView.focusTable() },
-  { key: "M", text: "Go to the messages", run: () => messages.focus() },
+  { key: "J", text: "Go to the messages", run: () => messages.focus() },
   { key: "↑ ↓", text: "In the list: choose a cast, Enter opens it. In plot and table: select a level" },
   { key: "O", text: "Open files of this computer; they can be dropped on the page as well", run: () => filePicker.click() },
   { key: "C", text: "Check the open cast", run: check },
@@ -419,9 +404,18 @@ const shortcuts: Shortcut[] = [
   { key: "E", text: "Extend the open cast to full ocean depth", run: extend },
   { key: "H", text: "Thin the open cast", run: thin },
   ...repair.shortcuts,
-  { key: "U", text: "Undo: one step back", run: undo },
-  { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => sendMenu.open() },
-  { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => saveMenu.open() },
+  { key: "U Ctrl+Z", text: "Undo: one step back", run: undo },
+  { key: "Ctrl+Y Ctrl+Shift+Z", text: "Redo: the step forth again", run: redo },
+  { key: "M", text: "Change the levels: arrow keys choose what, Enter does it", run: () => editing.openMenu() },
+  { key: "D", text: "Edit the header of the open cast", run: () => editing.editHeader() },
+  { key: "P", text: "Edit in the plot: drag the selected level, double-click for a new one; P again ends it", run: () => editing.switchPlot() },
+  { key: "Alt", text: "In the plot: held while the selected level is dragged, it moves it at any time" },
+  { key: "F2 Enter", text: "In the table: type into the cell, which ← and → choose; Tab goes on, Escape leaves" },
+  { key: "Shift+↓", text: "In the table: select several levels" },
+  { key: "Delete", text: "In the table and the plot: take the selected levels out" },
+  { key: "Insert", text: "In the table: put a level in above; with Shift below" },
+  { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => outputMenus.send.open() },
+  { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => outputMenus.save.open() },
   { key: "I", text: "Import filters: how column files are read", run: () => void filterDialog.show() },
   { key: "R", text: "Read the list of casts again", run: () => void refresh() },
   { key: "K", text: "Compare with another cast, drawn under the open one", run: compare },
@@ -460,13 +454,14 @@ byId("extend").addEventListener("click", extend);
 byId("thin").addEventListener("click", thin);
 byId("compare").addEventListener("click", compare);
 byId("undo").addEventListener("click", undo);
+byId("redo").addEventListener("click", redo);
 byId("open-file").addEventListener("click", () => filePicker.click());
 byId("filters").addEventListener("click", () => void filterDialog.show());
 byId("refresh").addEventListener("click", () => void refresh());
 byId("help-open").addEventListener("click", () => help.showModal());
 explainShortcuts(byId("help-keys"), shortcuts);
 listenForShortcuts(shortcuts);
-connection.onState(showConnection);
+connection.onState((state) => linkState.show(state));
 setInterval(() => {
   engine.expire();
   outbox.expire();
@@ -474,3 +469,15 @@ setInterval(() => {
   filterTable.expire();
 }, EXPIRE_EVERY_MS);
 connection.start();
+void bringBack(unsaved, messages, {
+  hasCast: () => castView.open !== null,
+  leaving: (go) => void leaving(go),
+  restore: (inFile, edited) => {
+    show(inFile);
+    change("Undo edits", edited);
+  },
+  discard: (inFile) => {
+    const { open } = castView;
+    if (open && edits.inFile === inFile && edits.isUnsaved(open)) change("Undo discard", inFile);
+  },
+});

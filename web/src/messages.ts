@@ -12,6 +12,8 @@ export interface Message {
   key?: string;
   /// Offered as a button. The message is dismissed when it is pressed.
   action?: { label: string; run: () => void };
+  /// Another one beside it.
+  otherAction?: { label: string; run: () => void };
 }
 
 interface Entry {
@@ -72,8 +74,8 @@ export class Messages {
     );
     if (count > 1) item.append(make("span", "message-count", `${count} times`));
     item.append(make("time", "message-time", formatClock(new Date())));
-    const { action } = message;
-    if (action) {
+    for (const action of [message.action, message.otherAction]) {
+      if (!action) continue;
       const act = button("", action.label, () => {
         this.dismiss(key);
         action.run();

@@ -28,11 +28,19 @@ function isNowhere({ hsvp_filelat, hsvp_filelon }: Header): boolean {
 }
 
 /// What a profile states of time and position. A column file gives no time of its own: the engine
-/// puts that of opening in its place, which is not when the cast was taken.
-export function statedBy({ filename, header }: Pick<Profile, "filename" | "header">): Partial<Occasion> {
+/// puts that of opening in its place, which is not when the cast was taken. What the user has put
+/// into the header holds as it stands.
+export function statedBy(profile: Pick<Profile, "filename" | "header" | "edited">): Partial<Occasion> {
+  const { filename, header, edited } = profile;
   const stated = statedIn(header);
-  if (!isBuiltIn(filename)) delete stated.time;
+  if (!isBuiltIn(filename) && !edited?.has("hsvp_filetime")) delete stated.time;
+  if (isMeant(profile)) Object.assign(stated, { latitude: "0", longitude: "0" });
   return stated;
+}
+
+/// Whether a position of 0, 0 was typed.
+function isMeant({ header, edited }: Pick<Profile, "header" | "edited">): boolean {
+  return isNowhere(header) && (edited?.has("hsvp_filelat") ?? false) && (edited?.has("hsvp_filelon") ?? false);
 }
 
 /// Time and position of a profile. What it does not state is asked for, with `earlier` (or the
@@ -66,7 +74,7 @@ export async function occasionOf(
     title: "When and where was this cast taken?",
     text: [
       `${profile.filename} does not say all of it. What you state goes out with the profile.`,
-      ...(isNowhere(header) ? ["It says 0° N 0° E, as files without a position do."] : []),
+      ...(isNowhere(header) && !isMeant(profile) ? ["It says 0° N 0° E, as files without a position do."] : []),
     ],
     fields,
     confirm: "Go on",

@@ -7,6 +7,8 @@ import { formatCount } from "./format";
 import { PLAIN, identifierOf } from "./identifiers";
 import type { Outbox } from "./outbox";
 import { tooManyLevels } from "./outbox-words";
+import { headerLabel } from "./header-fields";
+import { headerLostText, notCarriedText } from "./level-words";
 import type { Profile } from "./profile";
 import { Action, type ListKey } from "./protocol";
 import {
@@ -26,7 +28,7 @@ const DATAGRAM_HINT =
 export class Output {
   private busy = false;
   /// What the user has stated about a cast that does not say it itself.
-  private stated: { profile: Profile; occasion: Partial<Occasion> } | null = null;
+  private stated: { filename: string; occasion: Partial<Occasion> } | null = null;
 
   /// `listed` gives the name, as it is spelled in the profile folder, of a file that `name` would
   /// replace, or "".
@@ -73,7 +75,9 @@ export class Output {
       if (!occasion) return;
       const older = await this.listed(name);
       const kept = older ? `the older file is kept as ${older.replace(/\.ssp$/i, "")}_bck_(date)_(time).ssp. ` : "";
-      const remark = (kept + tooManyLevels(profile.count)).trim();
+      if (!(await mayLeaveOut(profile, identifier, "Save"))) return;
+      const lost = headerLostText(profile, "datagram", headerLabel);
+      const remark = [kept.trim(), tooManyLevels(profile.count), lost].filter(Boolean).join(" ");
       const job = { way: "save", name, levels: profile.count, profile, remark } as const;
       this.outbox.begin(job, Action.save, saveDatagramBody(profile, name, identifier, occasion));
     });
@@ -100,7 +104,8 @@ export class Output {
     if (older && !(await mayReplace(older))) return;
     const occasion = await this.occasion(profile);
     if (!occasion) return;
-    const job = { way: "save", name, levels: profile.count, profile, remark: leftOut(profile) } as const;
+    const remark = [leftOut(profile), headerLostText(profile, "asvp", headerLabel)].filter(Boolean).join(" ");
+    const job = { way: "save", name, levels: profile.count, profile, remark } as const;
     this.outbox.begin(job, action, saveAsvpBody(profile, name, occasion));
   }
 
@@ -118,10 +123,17 @@ export class Output {
 
   /// Time and position of a cast, from its header or from the user; null when neither has them.
   async occasion(profile: Profile): Promise<Occasion | null> {
-    const earlier = this.stated?.profile === profile ? this.stated.occasion : {};
+    const { filename } = profile;
+    const earlier = this.stated?.filename === filename ? this.stated.occasion : {};
     const found = await occasionOf(profile, earlier);
-    if (found) this.stated = { profile, occasion: found };
+    if (found) this.stated = { filename, occasion: found };
     return found;
+  }
+
+  /// Another cast was opened: what was stated of the one before is no proposal for it, be its name the
+  /// same.
+  forget(): void {
+    this.stated = null;
   }
 }
 
@@ -153,7 +165,7 @@ async function askIdentifier(profile: Profile, what: "Send" | "Save"): Promise<s
 /// Whether to send a profile that may be too large for the survey system or for one datagram.
 async function mayBeSent(profile: Profile, identifier: string): Promise<boolean> {
   const size = datagramSize(profile, identifier);
-  const text = [tooManyLevels(profile.count)];
+  const text = [tooManyLevels(profile.count), notCarriedText(profile, identifier)];
   if (size > MOST_DATAGRAM_BYTES) {
     text.push(
       `A UDP datagram holds at most ${formatCount(MOST_DATAGRAM_BYTES)} bytes and this one would ` +
@@ -164,6 +176,12 @@ async function mayBeSent(profile: Profile, identifier: string): Promise<boolean>
   if (said.length === 0) return true;
   const answer = await ask({ title: "Send anyway?", text: said, confirm: "Send anyway" });
   return answer !== null;
+}
+
+/// Whether to write a datagram without something that the user has changed.
+async function mayLeaveOut(profile: Profile, identifier: string, what: string): Promise<boolean> {
+  const text = notCarriedText(profile, identifier);
+  return text === "" || (await ask({ title: `${what} anyway?`, text: [text], confirm: `${what} anyway` })) !== null;
 }
 
 async function mayReplace(name: string): Promise<boolean> {

@@ -1,5 +1,5 @@
 /// A profile as the page holds it: the lists of an Open reply, made safe to index.
-import { HEADER_KEYS, LIST_KEYS, type Header, type ListKey, type Packet } from "./protocol";
+import { HEADER_KEYS, LIST_KEYS, type Header, type HeaderKey, type ListKey, type Packet } from "./protocol";
 
 export interface Profile {
   filename: string;
@@ -10,6 +10,10 @@ export interface Profile {
   count: number;
   /// Indices of the levels that an extension has joined; absent where all were measured.
   joined?: ReadonlySet<number>;
+  /// What the user has stated or changed by hand; absent where nothing was.
+  edited?: ReadonlySet<HeaderKey | ListKey>;
+  /// Whether the salinities are conductivities. Absent: the type in the header tells.
+  hasConductivities?: boolean;
 }
 
 /// The profile that an Open reply carries. Levels are counted by the longer of the two lists that
@@ -25,6 +29,11 @@ export function profileOf(packet: Packet): Profile {
     if (typeof value === "string" || typeof value === "number") header[key] = value;
   }
   return { filename: packet.filename ?? "", header, lists, count };
+}
+
+/// A profile with more of it marked as edited.
+export function withEdited(profile: Profile, keys: readonly (HeaderKey | ListKey)[]): Profile {
+  return keys.length === 0 ? profile : { ...profile, edited: new Set([...(profile.edited ?? []), ...keys]) };
 }
 
 /// Whether nothing but an extension stands behind a level.

@@ -16,6 +16,8 @@ import type { Shortcut } from "./shortcuts";
 /// What the page lends to these dialogs.
 export interface RepairPage {
   open(): Profile | null;
+  /// The open cast before its last change; null where there was none.
+  earlier(): Profile | null;
   /// Puts what was made of the open cast in its place. `label` says what a step back undoes.
   change(label: string, profile: Profile): void;
   /// A file of this name holds the profile now.
@@ -50,7 +52,7 @@ export class Repair {
   ) {
     this.fixer = new Fixer(asker, connection);
     this.atlasDialog = new AtlasDialog((text) => page.notice(text));
-    this.rayDialog = new RayDialog(asker, { beside: (profile) => this.seen.beside(profile), fix: () => this.fix() });
+    this.rayDialog = new RayDialog(asker, { beside: (profile) => this.seen.beside(profile, page.earlier()), fix: () => this.fix() });
     this.fixDialog = new FixDialog(this.fixer, {
       fixed: (before, after, file) => this.fixed(before, after, file),
       written: (before, { path }, reason) =>
@@ -79,7 +81,7 @@ export class Repair {
     this.seen.open(profile);
   }
 
-  /// Something was made of the open cast.
+  /// Something was made of the open cast, or a step back or forth was taken.
   changed(before: Profile, after: Profile): void {
     this.seen.change(before, after);
   }

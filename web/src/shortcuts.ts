@@ -3,6 +3,7 @@ import { isAsking } from "./dialog";
 import { make } from "./dom";
 
 export interface Shortcut {
+  /// One or several with blanks between them, such as "U Ctrl+Z".
   key: string;
   text: string;
   /// Absent for keys that a part of the page handles itself, and that are only explained here.
@@ -11,10 +12,11 @@ export interface Shortcut {
 
 export function listenForShortcuts(shortcuts: readonly Shortcut[]): void {
   document.addEventListener("keydown", (event) => {
-    if (event.defaultPrevented || event.ctrlKey || event.altKey || event.metaKey) return;
-    if (isAsking()) return;
-    const pressed = event.key.toLowerCase();
-    const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase() === pressed);
+    if (event.defaultPrevented || event.altKey || isAsking()) return;
+    // What the shift key makes of another key is that key's own name, save together with Ctrl.
+    const held = event.ctrlKey || event.metaKey ? `ctrl+${event.shiftKey ? "shift+" : ""}` : "";
+    const pressed = held + event.key.toLowerCase();
+    const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase().split(" ").includes(pressed));
     if (!shortcut?.run) return;
     event.preventDefault();
     shortcut.run();

@@ -89,15 +89,17 @@ export function largestDifference({ lists }: Profile, kept: readonly number[]): 
 /// A profile of some levels of another, with all that is known of each, under the name of the file
 /// that has been written of it.
 export function thinned(
-  { lists: all, header, joined }: Profile,
+  before: Profile,
   kept: readonly number[],
   filename: string,
   { time, latitude, longitude }: Occasion,
 ): Profile {
+  const { lists: all, header, joined, ...frame } = before;
   const lists = {} as Record<ListKey, readonly number[]>;
   for (const key of LIST_KEYS) lists[key] = kept.map((level) => all[key][level] ?? NaN);
   const stillJoined = new Set(kept.flatMap((level, i) => (joined?.has(level) ? [i] : [])));
   return {
+    ...frame,
     filename,
     header: {
       ...header,

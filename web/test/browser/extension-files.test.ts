@@ -43,6 +43,7 @@ describe("extension files", () => {
       await dialog.getByText("my deep sea.txt, 60 B: 4 rows, 30.00 to 12000.00 m").waitFor();
       assert.equal(await dialog.locator(".file-remark").count(), 0);
       await confirm(page);
+      await dialog.waitFor({ state: "hidden" });
       await told(page, "bay.asvp extended with my deep sea.txt: 3 levels joined, from 500.00 m to 12000.00 m. No surface level").waitFor();
       const { depths, speeds, joined } = await levels(page);
       assert.deepEqual(depths, [0, 10, 40, 500, 3000, 12000]);

@@ -126,7 +126,7 @@ describe("long casts", () => {
     await shown(page, "long.vp2");
     await timed(`check ${LONG} levels`, () => check(page));
     await timed("10 zooms", async () => {
-      await page.keyboard.press("p");
+      await page.keyboard.press("g");
       for (let i = 0; i < 10; ++i) await page.keyboard.press("+");
       await page.locator(".level-point").first().waitFor({ state: "attached" });
     });

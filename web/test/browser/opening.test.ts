@@ -94,7 +94,7 @@ describe("opening a cast", () => {
     await page.keyboard.press("Enter");
     await shown(page, "tide.asvp");
 
-    await page.keyboard.press("p");
+    await page.keyboard.press("g");
     await page.keyboard.press("ArrowDown");
     await page.keyboard.press("ArrowDown");
     await page.getByText(/^Level 2 /).waitFor();
@@ -108,6 +108,8 @@ describe("opening a cast", () => {
     await page.keyboard.press("?");
     const help = page.getByRole("dialog", { name: "Keys and hints" });
     await help.getByText("Check the open cast").waitFor();
+    const keys = await help.locator("kbd").allTextContents();
+    assert.deepEqual(keys.filter((key, i) => keys.indexOf(key) !== i), [], "each key does one thing");
     await page.keyboard.press("Escape");
     await help.waitFor({ state: "hidden" });
     await page.close();
@@ -117,7 +119,7 @@ describe("opening a cast", () => {
     const page = await stage.page();
     await openCast(page, "tide.asvp");
     const reached = new Set<string>();
-    for (let i = 0; i < 20; ++i) {
+    for (let i = 0; i < 26; ++i) {
       await page.keyboard.press("Tab");
       reached.add(
         await page.evaluate(() => {

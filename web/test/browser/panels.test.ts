@@ -111,7 +111,7 @@ describe("panels", () => {
     const box = await panel(page, "svp_Sal").locator(".frame").boundingBox();
     assert.ok(box);
     await page.mouse.move(box.x + 12, y + 1);
-    const tip = page.locator(".tip");
+    const tip = page.locator("#plot .tip");
     await tip.waitFor();
     const row = page.locator('.tabulator-row[data-level="11"] .tabulator-cell');
     const [, depth, speed, temperature, salinity] = await row.allTextContents();
@@ -170,7 +170,7 @@ describe("panels", () => {
     const [shallow, , deep] = seaLevels([0, 10, 20]).map(([, speed]) => speed);
     assert.equal(described[0], `3 levels of speeds.asvp, depth 0.00 to 20.00 m. Sound speed ${deep} to ${shallow} m/s.`);
     assert.match(described[1] ?? "", /arrows select a level/);
-    await page.keyboard.press("p");
+    await page.keyboard.press("g");
     for (let i = 0; i < 3; ++i) await page.keyboard.press("+");
     assert.match((await page.locator("#plot-summary").textContent()) ?? "", / In view: depth .* to .* m\.$/);
   });

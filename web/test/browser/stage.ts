@@ -79,7 +79,14 @@ export class Stage {
     if (!this.kept) return (this.kept = await this.page({ width, height }));
     const page = this.kept;
     await page.setViewportSize({ width, height });
-    await page.evaluate(() => localStorage.clear());
+    await page.evaluate(async () => {
+      localStorage.clear();
+      sessionStorage.clear();
+      await new Promise((done) => {
+        const gone = indexedDB.deleteDatabase("svp-editor");
+        gone.onsuccess = gone.onerror = done;
+      });
+    });
     await page.reload();
     await connected(page);
     await page.locator(".cast").first().waitFor();

@@ -70,7 +70,7 @@ describe("themes", () => {
       await page.keyboard.press("Enter");
       await page.locator(".legend").getByText("older.vp2").waitFor();
       await check(page);
-      await page.keyboard.press("p");
+      await page.keyboard.press("g");
       for (let i = 0; i < 5; ++i) await page.keyboard.press("ArrowDown");
       for (const part of ["#plot-legend", "#plot-panels", "#compare", "#plot", "#verdict", "#readout"]) {
         await assertInside(page, page.locator(part));

@@ -1,6 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Edits } from "../../src/edits";
+import { withValue } from "../../src/level-edits";
 import { extendFailedText, extendedText, notWholeText, previewLines, thinFailedText, thinnedText } from "../../src/extend-words";
 import { isOwnFile } from "../../src/own-files";
 import { finalName, isOwnName, nameFault } from "../../src/file-names";
@@ -9,43 +10,97 @@ import { profileWith } from "./support";
 
 const cast = (name = "a.asvp") => profileWith([0, 10], [1500, 1490], { filename: name });
 
+interface Verdict {
+  lines: string[];
+}
+const now = (profile: Profile, verdict: Verdict | null = null) => ({ profile, verdict });
+
 test("a cast is unsaved from the first change to the save, and again after a step back", () => {
-  const edits = new Edits<Profile>();
-  const [opened, longer] = [cast(), cast()];
+  const edits = new Edits<Verdict>();
+  const [opened, longer] = [cast(), withValue(cast(), 0, "svp_Speed", 1501)];
   edits.opened(opened);
   assert.ok(!edits.isUnsaved(opened));
   assert.equal(edits.undoLabel, "");
-  assert.equal(edits.undo(), null);
-  edits.changed("Undo extend", opened);
+  assert.equal(edits.undo(now(opened)), null);
+  edits.changed("Undo extend", now(opened), longer);
   assert.ok(edits.isUnsaved(longer));
   assert.equal(edits.undoLabel, "Undo extend");
   edits.saved("a.asvp", longer);
   assert.ok(!edits.isUnsaved(longer));
-  // The file does not hold what a step back brings.
-  assert.equal(edits.undo(), opened);
-  assert.ok(edits.isUnsaved(opened));
+  assert.equal(edits.inFile, longer);
+  // The file does not hold what a step back brings, and holds what a step forth brings.
+  const back = edits.undo(now(longer));
+  assert.deepEqual(back?.profile, opened);
+  assert.ok(back && edits.isUnsaved(back.profile));
+  const forth = edits.redo(back);
+  assert.deepEqual(forth?.profile, longer);
+  assert.ok(forth && !edits.isUnsaved(forth.profile));
 });
 
 test("a cast that was saved under another name is still in its own file", () => {
-  const edits = new Edits<Profile>();
-  const [opened, longer] = [cast(), cast()];
+  const edits = new Edits<Verdict>();
+  const [opened, longer] = [cast(), withValue(cast(), 0, "svp_Speed", 1501)];
   edits.opened(opened);
-  edits.changed("Undo extend", opened);
+  edits.changed("Undo extend", now(opened), longer);
   edits.saved("/folder/b.asvp", longer);
   assert.ok(!edits.isUnsaved(longer));
-  assert.ok(!edits.isUnsaved(edits.undo() ?? longer));
+  assert.ok(!edits.isUnsaved(edits.undo(now(longer))?.profile ?? longer));
 });
 
-test("steps are taken back one by one, and end with another cast", () => {
-  const edits = new Edits<number>();
-  edits.opened(cast());
-  edits.changed("Undo extend", 1);
-  edits.changed("Undo thin", 2);
-  assert.equal(edits.undoLabel, "Undo thin");
-  assert.equal(edits.undo(), 2);
-  assert.equal(edits.undo(), 1);
-  assert.equal(edits.undo(), null);
-  edits.changed("Undo extend", 1);
+test("a step back to what was opened or saved brings the very profile, and the one before is known without a step", () => {
+  const edits = new Edits<Verdict>();
+  const first = cast();
+  const second = withValue(first, 0, "svp_Speed", 1501);
+  const third = withValue(second, 1, "svp_Depth", 20);
+  edits.opened(first);
+  assert.equal(edits.earlier(first), null);
+  edits.changed("Undo change", now(first), second, true);
+  edits.saved("b.asvp", second);
+  edits.changed("Undo change", now(second), third, true);
+  assert.equal(edits.earlier(third), second);
+  assert.equal(edits.undoLabel, "Undo change");
+  const back = edits.undo(now(third));
+  assert.equal(back?.profile, second);
+  assert.equal(edits.undo(now(second))?.profile, first);
+  assert.equal(edits.earlier(first), null);
+  assert.equal(edits.redo(now(first))?.profile, second);
+  // What no file holds is made anew, with the same levels.
+  edits.saved("b.asvp", edits.redo(now(second))?.profile ?? first);
+  const made = edits.undo(now(third))?.profile;
+  assert.deepEqual({ ...made, edited: null }, { ...second, edited: null });
+});
+
+test("steps go back and forth one by one with the verdict of each state, and end with another cast", () => {
+  const edits = new Edits<Verdict>();
+  const [first, second, third] = [cast(), withValue(cast(), 0, "svp_Speed", 1501), withValue(cast(), 1, "svp_Depth", 20)];
+  const [one, three] = [{ lines: ["1"] }, { lines: ["3"] }];
+  edits.opened(first);
+  edits.changed("Undo extend", now(first, one), second);
+  edits.changed("Undo change", now(second), third, true);
+  assert.equal(edits.undoLabel, "Undo change");
+  assert.equal(edits.redoLabel, "");
+  const a = edits.undo(now(third, three));
+  assert.deepEqual({ ...a?.profile, edited: null }, { ...second, edited: null });
+  assert.deepEqual([a?.verdict, a?.place], [null, 0]);
+  assert.equal(edits.redoLabel, "Redo change");
+  assert.ok(a);
+  const b = edits.undo(a);
+  assert.deepEqual(b?.profile, first);
+  assert.deepEqual([b?.verdict, b?.place], [one, "whole"]);
+  assert.ok(b);
+  assert.equal(edits.undo(b), null);
+  const c = edits.redo(b);
+  assert.ok(c);
+  const d = edits.redo(c);
+  assert.deepEqual(d?.profile, third);
+  assert.equal(d?.verdict, three, "the check of the last state comes back with it");
+  assert.ok(d);
+  assert.equal(edits.redo(d), null);
+  // A change of one's own ends the way forth.
+  const e = edits.undo(d);
+  assert.ok(e);
+  edits.changed("Undo insert", e, cast());
+  assert.equal(edits.redoLabel, "");
   edits.opened(cast("b.asvp"));
   assert.equal(edits.undoLabel, "");
 });

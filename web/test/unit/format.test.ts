@@ -89,3 +89,12 @@ test("decimals are found of widened floats and of doubles alike", () => {
   assert.equal(decimalsFor([Math.fround(0.1), Math.fround(-0.25)]), 2);
   assert.equal(decimalsFor([0.1, 0.123]), 3, "a double that is no widened float");
 });
+
+test("two decimals are seen in any value that a 32-bit float can tell from its neighbours", () => {
+  for (const value of [0.1, 0.01, 1500.25, -0.07, 12000.26, 99999.99]) {
+    assert.equal(decimalsFor([Math.fround(value)]), 2, String(value));
+  }
+  assert.equal(decimalsFor([Math.fround(0.125)]), 3);
+  assert.equal(decimalsFor([Math.fround(0.001)]), 3);
+  assert.equal(decimalsFor([1500.001]), 3);
+});

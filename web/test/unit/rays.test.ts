@@ -111,7 +111,7 @@ test("beside a cast lie what it was before, and the others that were opened", ()
   const [a, b, extended, thinned] = ["a", "b", "a", "a_thinned"].map((name) => profileWith([0], [1500], { filename: `${name}.asvp` }));
   assert.ok(a && b && extended && thinned);
   const seen = new SeenCasts();
-  const labels = (profile: typeof a) => seen.beside(profile).map(({ label, profile: { filename } }) => `${label}|${filename}`);
+  const labels = (profile: typeof a) => seen.beside(profile, null).map(({ label, profile: { filename } }) => `${label}|${filename}`);
   seen.open(a);
   assert.deepEqual(labels(a), []);
   seen.open(b);
@@ -119,10 +119,12 @@ test("beside a cast lie what it was before, and the others that were opened", ()
   seen.open(a);
   seen.change(a, extended);
   seen.change(extended, thinned);
-  assert.equal(seen.beside(thinned)[0]?.profile, extended);
-  assert.deepEqual(labels(thinned), ["a.asvp before the last change|a.asvp", "b.asvp|b.asvp"]);
-  assert.deepEqual(labels(a), ["b.asvp|b.asvp"], "after the steps back");
+  assert.deepEqual(seen.beside(thinned, extended), [
+    { label: "a.asvp before the last change", profile: extended }, { label: "b.asvp", profile: b },
+  ]);
   assert.deepEqual(labels(b), ["a_thinned.asvp|a_thinned.asvp"]);
+  seen.change(thinned, a);
+  assert.deepEqual(labels(a), ["b.asvp|b.asvp"], "after the steps back");
 });
 
 test("every refusal of rays is told in words, with what to do next", () => {

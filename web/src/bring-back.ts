@@ -1,0 +1,53 @@
+/// Unsaved edits that were kept in the browser, brought back to the page.
+import { formatMoment } from "./format";
+import type { Messages } from "./messages";
+import type { Profile } from "./profile";
+import type { Unsaved, UnsavedStore } from "./unsaved-store";
+
+export interface BringBackMeans {
+  hasCast(): boolean;
+  /// Goes on when the user agrees to leave what is on the page.
+  leaving(go: () => void): void;
+  /// Opens what a file holds, with these edits made to it in one step.
+  restore(inFile: Profile, edited: Profile): void;
+  /// Takes all edits back, in a step that can itself be taken back.
+  discard(inFile: Profile): void;
+}
+
+/// What was not saved when this page was loaded again comes back; what a page has left that is no
+/// longer open is offered.
+export async function bringBack(
+  store: Pick<UnsavedStore, "left" | "forget">,
+  messages: Pick<Messages, "add">,
+  means: BringBackMeans,
+): Promise<void> {
+  const restore = ({ at, inFile, edited }: Unsaved) => {
+    means.restore(inFile, edited);
+    messages.add({
+      kind: "notice",
+      key: "restored",
+      text: `The edits of ${edited.filename} that were not saved are back, as of ${formatMoment(at)}.`,
+      action: { label: "Discard", run: () => means.discard(inFile) },
+    });
+  };
+  for (const left of await store.left()) {
+    if (left.isOwn && !means.hasCast()) {
+      restore(left);
+      continue;
+    }
+    const forget = () => void (left.isOwn || store.forget(left.page));
+    messages.add({
+      kind: "notice",
+      key: `left:${left.page}`,
+      text: `There are edits of ${left.edited.filename} that were not saved, of ${formatMoment(left.at)}.`,
+      action: {
+        label: "Restore",
+        run: () => means.leaving(() => {
+          restore(left);
+          forget();
+        }),
+      },
+      otherAction: { label: "Discard", run: forget },
+    });
+  }
+}
