@@ -143,12 +143,13 @@ TEST(FieldStream, BlocksMayEndAnywhere)
 {
     const std::string text = "12.345,-6\r\n1, 2\r\r\n3\r4,,5\n\r\r6";
     for (std::size_t shift = 0; shift <= text.size() + 2; ++shift) {
-        const std::string title(256 * 1024 - 1 - shift, 't');
-        EXPECT_EQ(fieldsOf(title + '\n' + text, 1), "12.345,-6|1, 2|3|4,,5||"
-                                                    "|6|")
+        std::string titled(256 * 1024 - 1 - shift, 't');
+        titled.append("\n").append(text);
+        EXPECT_EQ(fieldsOf(titled, 1), "12.345,-6|1, 2|3|4,,5||"
+                                       "|6|")
             << shift;
 
-        const TextStream stream(title + '\n' + text);
+        const TextStream stream(titled);
         FieldStream fields(stream.get());
         fields.skipLine();
         End end = End::Line;
