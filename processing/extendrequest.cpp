@@ -25,6 +25,20 @@ QVector<float> filledNumbers(const QStringRef& list)
     return numbers;
 }
 
+// A request of "speeds*depths" and further pieces, `count` in all; `take` gets them.
+template <typename Take> ExtendRequest parsePieces(const QString& body, int count, const Take& take)
+{
+    const QString block = bareBody(body);
+    const QVector<QStringRef> pieces = profile::splitPieces(block, Qt::SkipEmptyParts);
+    ExtendRequest request;
+    if (pieces.size() != count)
+        return request;
+    request.hasForm = true;
+    request.samples = {filledNumbers(pieces[1]), filledNumbers(pieces[0])};
+    take(pieces, request);
+    return request;
+}
+
 } // namespace
 
 ExtendRequest parseExtendDefault(const QString& body)
@@ -42,30 +56,18 @@ ExtendRequest parseExtendDefault(const QString& body)
 
 ExtendRequest parseExtendTempSal(const QString& body)
 {
-    const QString block = bareBody(body);
-    const QVector<QStringRef> pieces = profile::splitPieces(block, Qt::SkipEmptyParts);
-    ExtendRequest request;
-    if (pieces.size() != tempSalPieces)
-        return request;
-    request.hasForm = true;
-    request.samples = {filledNumbers(pieces[1]), filledNumbers(pieces[0])};
-    request.temperature = profile::listNumber(pieces[2]);
-    request.salinity = profile::listNumber(pieces[3]);
-    request.latitude = profile::listNumber(pieces[4]);
-    return request;
+    return parsePieces(body, tempSalPieces, [](const auto& pieces, ExtendRequest& request) {
+        request.temperature = profile::listNumber(pieces[2]);
+        request.salinity = profile::listNumber(pieces[3]);
+        request.latitude = profile::listNumber(pieces[4]);
+    });
 }
 
 ExtendRequest parseExtendWithFile(const QString& body)
 {
-    const QString block = bareBody(body);
-    const QVector<QStringRef> pieces = profile::splitPieces(block, Qt::SkipEmptyParts);
-    ExtendRequest request;
-    if (pieces.size() != withFilePieces)
-        return request;
-    request.hasForm = true;
-    request.samples = {filledNumbers(pieces[1]), filledNumbers(pieces[0])};
-    request.file = pieces[2].toString();
-    return request;
+    return parsePieces(body, withFilePieces, [](const auto& pieces, ExtendRequest& request) {
+        request.file = pieces[2].toString();
+    });
 }
 
 QString takeSamples(const RequestSamples& from, SurfaceRule rule, raytrace::Layers& samples)

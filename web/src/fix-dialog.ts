@@ -1,7 +1,6 @@
 /// The dialog in which the user has the open cast fixed, and sees what came of it.
 import { readAtlas } from "./atlas";
 import { ComparisonView } from "./comparison-view";
-import { ask } from "./dialog";
 import { button, make } from "./dom";
 import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText } from "./fix-words";
 import type { Fixed, FixedFile, Fixer } from "./fixer";
@@ -12,6 +11,7 @@ import type { Profile } from "./profile";
 import type { Occasion } from "./protocol-output";
 import { PROPOSED_TOLERANCE, TOLERANCES } from "./thinning";
 import { rangeFault } from "./typed-number";
+import { mayReplace } from "./replacing";
 
 export interface FixDialogEvents {
   /// A fixed profile was written, and read back.
@@ -228,16 +228,4 @@ export class FixDialog {
     this.status.setAttribute("role", isFailure ? "alert" : "status");
     this.status.classList.toggle("field-fault", isFailure);
   }
-}
-
-async function mayReplace(name: string): Promise<boolean> {
-  const fate = /\.ssp$/i.test(name)
-    ? "; the older file is kept beside it, with “_bck_” and the time in its name."
-    : ", and no copy of it is kept.";
-  const answer = await ask({
-    title: `Replace ${name}?`,
-    text: [`${name} is in the profile folder already. It will be replaced${fate}`],
-    confirm: "Replace",
-  });
-  return answer !== null;
 }

@@ -1,6 +1,5 @@
 /// The dialog in which the user tries how far the open cast can be thinned, and keeps what is good.
 import { columnsOf, plotQuantities } from "./columns";
-import { ask } from "./dialog";
 import { button, make } from "./dom";
 import { isAboutOrder, notWholeText, previewLines, thinFailedText } from "./extend-words";
 import { legend } from "./legend";
@@ -19,6 +18,7 @@ import {
   thinnedName,
 } from "./thinning";
 import { rangeFault, typedNumber } from "./typed-number";
+import { mayReplace } from "./replacing";
 
 export interface ThinDialogEvents {
   /// A thinned profile was written and is wanted on the page.
@@ -239,16 +239,4 @@ export class ThinDialog {
     this.status.setAttribute("role", isFailure ? "alert" : "status");
     this.status.classList.toggle("field-fault", isFailure);
   }
-}
-
-async function mayReplace(name: string): Promise<boolean> {
-  const fate = /\.ssp$/i.test(name)
-    ? "; the older file is kept beside it, with “_bck_” and the time in its name."
-    : ", and no copy of it is kept.";
-  const answer = await ask({
-    title: `Replace ${name}?`,
-    text: [`${name} is in the profile folder already. It will be replaced${fate}`],
-    confirm: "Replace",
-  });
-  return answer !== null;
 }
