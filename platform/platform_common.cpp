@@ -51,7 +51,7 @@ bool readFile(const QString& path, QByteArray& content)
 {
     content.clear();
     // Opening a pipe or a device could wait for ever.
-    if (!isFile(path))
+    if (path.contains(QChar(0)) || !isFile(path))
         return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > maxFileSize)

@@ -288,7 +288,9 @@ TEST(ExtendWithFileAction, FindsTheFileByItsPath)
     EXPECT_EQ(secondRow(QStringLiteral("sub\\öst 東.txt")), 600.0F);
     for (const QString& path :
          {QStringLiteral("../../tqrv/rows.txt"), QStringLiteral("none.txt"), QStringLiteral("sub"),
-          QStringLiteral("/dev/zero"), engine.folder.path(QString()), QStringLiteral("/")}) {
+          QStringLiteral("/dev/zero"), engine.folder.path(QString()), QStringLiteral("/"),
+          QString(QStringLiteral("/tmp/a") + QChar(0) + QStringLiteral("b")),
+          QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b"))}) {
         EXPECT_EQ(outcome(engine.request(withFile, QStringLiteral("1500*0*") + path)),
                   QStringLiteral("Cannot open extention svp."))
             << path.toStdString();
