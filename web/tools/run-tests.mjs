@@ -5,7 +5,7 @@
 // node_modules is still found.
 import { build } from "esbuild";
 import { spawn } from "node:child_process";
-import { readdirSync, rmSync } from "node:fs";
+import { mkdirSync, readFileSync, readdirSync, rmSync, writeFileSync } from "node:fs";
 import { dirname, join } from "node:path";
 import { fileURLToPath } from "node:url";
 
@@ -24,11 +24,40 @@ if (names.length === 0) {
   process.exit(2);
 }
 
+/// Deals the browser tests out to as many processes, each with one browser. They wait for the page
+/// more than they work, so there are more processes than cores.
+function dealtOut(files, processes) {
+  const weight = (name) => readFileSync(join(web, "test", kind, name), "utf8").split(/\btest\(/).length;
+  const hands = Array.from({ length: processes }, () => ({ files: [], weight: 0 }));
+  const heaviestFirst = files.map((name) => [name, weight(name)]).sort(([, one], [, other]) => other - one);
+  for (const [name, added] of heaviestFirst) {
+    const hand = hands.reduce((least, each) => (each.weight < least.weight ? each : least));
+    hand.files.push(name);
+    hand.weight += added;
+  }
+  return hands.map((hand) => hand.files).filter((hand) => hand.length > 0);
+}
+
+// The file that measures times runs by itself: they should not be those of a machine that does two
+// such things at once.
+const isMeasuring = (name) => kind === "browser" && name === "long-casts.test.ts";
+const measuring = names.filter(isMeasuring);
+const others = names.filter((name) => !isMeasuring(name));
+const together = kind === "browser" ? dealtOut(others, 3) : [others];
+const turns = [measuring, ...together].filter((files) => files.length > 0);
+
 const outdir = join(web, "test-output", kind);
 rmSync(outdir, { recursive: true, force: true });
+mkdirSync(outdir, { recursive: true });
+const entries = turns.map((files, index) => {
+  const entry = join(outdir, `tests-${index}.ts`);
+  const imports = files.map((name) => `import ${JSON.stringify(join(web, "test", kind, name))};\n`);
+  writeFileSync(entry, imports.join(""));
+  return entry;
+});
 await build({
   absWorkingDir: web,
-  entryPoints: names.map((name) => join("test", kind, name)),
+  entryPoints: entries,
   outdir,
   outExtension: { ".js": ".mjs" },
   bundle: true,
@@ -40,20 +69,10 @@ await build({
   logLevel: "warning",
 });
 
-// Files are named one by one: what a directory means to "node --test" differs between versions.
-const files = names.map((name) => join(outdir, name.replace(/\.ts$/, ".mjs")));
-// Each browser test file has a host and a browser of its own. The one that measures times runs by
-// itself: they should not be those of a machine that does two such things at once.
-const measuring = files.filter((file) => kind === "browser" && /long-casts/.test(file));
-const others = files.filter((file) => !measuring.includes(file));
-// They wait for the page more than they work; the longest one begins, so that none is left over.
-const concurrent = kind === "browser" ? 3 : 1;
-others.sort((one, other) => Number(/output/.test(other)) - Number(/output/.test(one)));
-const batches = kind === "browser" ? others.map((file) => [file]) : [others];
-
-function run(batch) {
+function run(entry) {
+  const bundle = entry.replace(/\.ts$/, ".mjs");
   return new Promise((resolve) => {
-    const child = spawn(process.execPath, ["--enable-source-maps", "--test", ...batch], { cwd: web });
+    const child = spawn(process.execPath, ["--enable-source-maps", "--test", bundle], { cwd: web });
     const output = [];
     child.stdout.on("data", (data) => output.push(data));
     child.stderr.on("data", (data) => output.push(data));
@@ -64,10 +83,8 @@ function run(batch) {
   });
 }
 
-let failed = false;
-async function work(queue) {
-  for (let batch = queue.shift(); batch; batch = queue.shift()) failed = !(await run(batch)) || failed;
-}
-await work(measuring.map((file) => [file]));
-await Promise.all(Array.from({ length: concurrent }, () => work(batches)));
-process.exit(failed ? 1 : 0);
+let passed = true;
+const [first, ...rest] = entries;
+if (measuring.length > 0) passed = await run(first);
+const results = await Promise.all((measuring.length > 0 ? rest : entries).map(run));
+process.exit(passed && results.every(Boolean) ? 0 : 1);

@@ -34,7 +34,7 @@ describe("the atlas", () => {
   };
 
   test("it is off at first; both files are handed in, and it is switched on", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openAtlas(page);
     assert.ok(!(await use(page).isChecked()));
     await use(page).check();
@@ -57,7 +57,7 @@ describe("the atlas", () => {
   });
 
   test("a fix continues a cast with it; on land it says what to do", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "faulty.asvp");
     await fix(page, "0.01");
     await fixed(page, "faulty.asvp");
@@ -80,7 +80,7 @@ describe("the atlas", () => {
   });
 
   test("what is no atlas file is told, and leaves nothing", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openAtlas(page);
     const before = await readdir(folder());
     await handIn(page, "salinity", "cast.csv", "Depth,Speed\n0,1500\n10,1501\n");
@@ -96,7 +96,7 @@ describe("the atlas", () => {
   });
 
   test("paths can be typed, and what is wrong with them is said", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const path = join(stage.host.folder, "own.csv");
     await writeFile(path, SALINITY);
     await openAtlas(page);
@@ -115,7 +115,7 @@ describe("the atlas", () => {
   });
 
   test("settings that cannot be read are told, and not written over", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const mirror = join(stage.host.folder, "..", "..", "tqrv", "QRVTokens.json");
     const whole = await readFile(mirror);
     await writeFile(mirror, "{");
@@ -129,7 +129,7 @@ describe("the atlas", () => {
 
   for (const theme of ["dark", "light"]) {
     test(`the dialog lies inside a small screen, ${theme}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openAtlas(page);
       await assertInside(page, atlasDialog(page));

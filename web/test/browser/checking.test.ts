@@ -36,7 +36,6 @@ describe("checking a cast", () => {
     assert.deepEqual(await invalidRows(page), INVALID);
     assert.equal(await page.locator('.tabulator-row.invalid [aria-label="invalid"]').count(), INVALID.length);
     assert.match((await page.locator("#cast-facts").textContent()) ?? "", /4 invalid/);
-    await page.close();
   });
 
   test("the sample that needs repair has invalid levels in plot and table alike", async () => {
@@ -46,7 +45,6 @@ describe("checking a cast", () => {
     const crosses = await page.locator(".level-invalid").count();
     assert.ok(crosses > 0);
     assert.equal((await invalidRows(page)).length, crosses);
-    await page.close();
   });
 
   test("a cast from the surface to full depth is valid and nothing is marked", async () => {
@@ -59,7 +57,6 @@ describe("checking a cast", () => {
     assert.equal(await page.locator("#verdict").getAttribute("data-state"), "valid");
     assert.equal(await page.locator(".level-invalid").count(), 0);
     assert.ok(await page.getByRole("button", { name: "Next invalid" }).isHidden());
-    await page.close();
   });
 
   test("a cast that begins below the surface and ends above the bottom is told both", async () => {
@@ -71,7 +68,6 @@ describe("checking a cast", () => {
       "SVP must be extended to full ocean depth (12000.00m).",
       "SVP must be extended upwards to 0.00m",
     ]);
-    await page.close();
   });
 
   test("a file name with a star does not break the request", async () => {
@@ -79,7 +75,6 @@ describe("checking a cast", () => {
     await openCast(page, "odd*name.asvp");
     await check(page);
     assert.deepEqual(await invalidRows(page), INVALID);
-    await page.close();
   });
 
   test("the invalid levels are gone through one by one, and the valid ones can fill the plot", async () => {
@@ -104,7 +99,6 @@ describe("checking a cast", () => {
     assert.equal(await page.locator(".selected-ring").getAttribute("visibility"), "visible");
     await page.getByRole("button", { name: "Reset zoom" }).click();
     assert.equal(await page.locator(".level-point").count(), FAULTY.length);
-    await page.close();
   });
 
   test("another cast does not inherit the marks and the verdict", async () => {
@@ -115,6 +109,5 @@ describe("checking a cast", () => {
     assert.equal(await page.locator(".level-invalid").count(), 0);
     assert.deepEqual(await invalidRows(page), []);
     assert.ok(await page.locator("#verdict").isHidden());
-    await page.close();
   });
 });

@@ -27,7 +27,7 @@ describe("comparing", () => {
   });
 
   test("a cast of the list is drawn under the open one, which stays as it is", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     await page.locator('.tabulator-row[data-level="3"]').click();
     await compareWith(page, "yesterday.vp2");
@@ -47,7 +47,7 @@ describe("comparing", () => {
   });
 
   test("casts of this session come first and are not read again; keys are enough", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "last-week.asvp");
     await openCast(page, "speeds.asvp");
     await stage.host.removeCast("last-week.asvp");
@@ -70,7 +70,7 @@ describe("comparing", () => {
   });
 
   test("a changed cast is compared with what was opened", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "speeds.asvp");
     await extendByDefault(page);
     await compareWith(page, "speeds.asvp, as it was opened");
@@ -82,7 +82,7 @@ describe("comparing", () => {
   });
 
   test("a cast that cannot be read is told of in the dialog, and the plot stays", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "speeds.asvp");
     await stage.host.writeCast("gone.asvp", seaLevels([0, 10]));
     await page.getByRole("button", { name: "Refresh" }).click();

@@ -37,7 +37,6 @@ describe("display", () => {
         const plot = await page.locator("#plot").boundingBox();
         assert.ok(plot && plot.height > 200 && plot.width > 300, JSON.stringify(plot));
       }
-      await page.close();
     });
   }
 
@@ -67,7 +66,6 @@ describe("display", () => {
     await page.locator("#plot").dblclick({ position: { x: 90, y: box.height - 40 } });
     assert.equal(await points.count(), DEPTHS.length);
     assert.ok(await reset.isDisabled());
-    await page.close();
   });
 
   test("plus and minus zoom, and the view follows the level selected by keys", async () => {
@@ -83,7 +81,6 @@ describe("display", () => {
     for (let i = 0; i < 8; ++i) await page.keyboard.press("-");
     await page.keyboard.press("0");
     assert.equal(await points.count(), DEPTHS.length);
-    await page.close();
   });
 
   test("the level under the pointer shows its values; a click finds its row", async () => {
@@ -107,6 +104,5 @@ describe("display", () => {
     const place = await row.boundingBox();
     const table = await page.locator("#level-table").boundingBox();
     assert.ok(place && table && place.y >= table.y && place.y + place.height <= table.y + table.height, JSON.stringify({ place, table }));
-    await page.close();
   });
 });

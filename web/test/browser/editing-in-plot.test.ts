@@ -28,7 +28,7 @@ describe("editing the open cast in the plot", () => {
   }
 
   test("a level is dragged in the panel of either quantity, and the table follows", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     assert.ok(await inPlot(page).isHidden());
     await openCast(page, "probe.vp2");
     await page.keyboard.press("p");
@@ -57,7 +57,7 @@ describe("editing the open cast in the plot", () => {
   });
 
   test("a double click puts a level in while the mode is on, and Delete takes it out", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     await inPlot(page).click();
     const [first, second] = [await place(page, 1), await place(page, 2)];
@@ -90,7 +90,7 @@ describe("editing the open cast in the plot", () => {
   });
 
   test("what is joined has no temperature to be put in", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     await extendByDefault(page);
     const before = (await levels(page)).depths.length;
@@ -103,7 +103,7 @@ describe("editing the open cast in the plot", () => {
   });
 
   test("what lies under the cast stays through edits and steps back", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "other.vp2");
     await openCast(page, "probe.vp2");
     await page.keyboard.press("k");
@@ -130,7 +130,7 @@ describe("editing the open cast in the plot", () => {
   });
 
   test("a ray is laid beside the cast before its last change, whatever steps led there", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     await page.getByRole("button", { name: "Add 0 m level" }).click();
     await extendByDefault(page);

@@ -18,7 +18,7 @@ describe("editing levels", () => {
   });
 
   test("values are typed into cells: Enter, F2, Tab, a decimal comma, and Escape", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "four.asvp");
     await goTo(page, 2);
     await page.keyboard.press("Enter");
@@ -53,7 +53,7 @@ describe("editing levels", () => {
   });
 
   test("what is no value says why and leaves the old one", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "four.asvp");
     await goTo(page, 3, "svp_Speed");
     await page.keyboard.press("F2");
@@ -78,7 +78,7 @@ describe("editing levels", () => {
   });
 
   test("levels are taken out, several by Shift, and never all", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "four.asvp");
     await goTo(page, 2);
     await page.keyboard.press("Shift+ArrowDown");
@@ -98,7 +98,7 @@ describe("editing levels", () => {
   });
 
   test("levels are put in above, below and by depth, with values offered", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "four.asvp");
     await goTo(page, 3);
     await page.keyboard.press("Insert");
@@ -134,7 +134,7 @@ describe("editing levels", () => {
   });
 
   test("an edit takes the marks of a check away, and a step back brings them again", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "bad.asvp");
     await check(page);
     assert.deepEqual(await invalidRows(page), [2]);
@@ -155,7 +155,7 @@ describe("editing levels", () => {
   });
 
   test("joined levels keep their mark, and one history holds extending and editing", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "four.asvp");
     await extendByDefault(page);
     assert.deepEqual((await levels(page)).joined.slice(0, 2), [1, 6]);
@@ -178,7 +178,7 @@ describe("editing levels", () => {
   });
 
   test("what was edited is what is saved", async () => {
-    const page = await stage.samePage({ width: 1024, height: 600 });
+    const page = await stage.page({ width: 1024, height: 600 });
     await openCast(page, "sea.asvp");
     await goTo(page, 1, "svp_Speed");
     await page.keyboard.press("Enter");
@@ -236,6 +236,5 @@ describe("editing levels", () => {
       await page.locator(`.tabulator-row.selected[data-level="${LONG}"]`).waitFor();
     });
     await timed("reverse", 1500, () => edit(page, "Reverse"));
-    await page.close();
   });
 });

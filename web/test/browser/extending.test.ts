@@ -14,7 +14,7 @@ describe("extending", () => {
   });
 
   test("default rows are joined, shown as such, told, and taken back", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     assert.ok(await page.getByRole("button", { name: "Extend…" }).isDisabled());
     await openCast(page, "bay.asvp");
     const before = await levels(page);
@@ -60,7 +60,7 @@ describe("extending", () => {
   });
 
   test("a level is put at the surface where there is none", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "below.asvp");
     await extendByDefault(page);
     await told(page, "8 levels joined, from 500.00 m to 12000.00 m. A level at 0 m was put in front, with the sound speed of the first level.").waitFor();
@@ -78,7 +78,7 @@ describe("extending", () => {
   });
 
   test("a deep sea of the temperature and salinity measured continues a probe's cast", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, held("probe.vp2", PROBE));
     await shown(page, "probe.vp2");
     const dialog = await openExtend(page, "Temperature and salinity");
@@ -110,7 +110,7 @@ describe("extending", () => {
   });
 
   test("a water mass that does not fit is refused in words, and the dialog stays", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const dialog = extendDialog(page);
     // Some 1600 m/s at the surface, more than a hundred above the deepest level.
     const extendWarm = async (name: string) => {
@@ -137,7 +137,7 @@ describe("extending", () => {
   });
 
   test("too few levels, and depths out of order, are refused with what to do next", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "two.asvp");
     let dialog = await openExtend(page, "Default rows");
     await dialog.getByRole("button", { name: "Extend", exact: true }).click();
@@ -154,7 +154,7 @@ describe("extending", () => {
   });
 
   test("what is not saved is not left without a question, and saving ends that", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "bay.asvp");
     await extendByDefault(page);
     const question = page.getByRole("dialog", { name: "Leave without saving?" });
@@ -166,7 +166,7 @@ describe("extending", () => {
     await question.getByRole("button", { name: "Cancel" }).click();
     assert.ok(!(await casts(page)).includes("picked.asvp"));
     // Another page opens a cast: it is offered, and asked about when it is taken.
-    const other = await stage.page();
+    const other = await stage.newPage();
     await openCast(other, "below.asvp");
     await told(page, "below.asvp was opened elsewhere.").getByRole("button", { name: "Open it" }).click();
     await question.getByRole("button", { name: "Cancel" }).click();
@@ -195,7 +195,7 @@ describe("extending", () => {
 
   for (const theme of ["dark", "light"]) {
     test(`the dialog and the joined part are seen on a small screen, ${theme}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openCast(page, "below.asvp");
       const dialog = await openExtend(page, "Temperature and salinity");

@@ -31,7 +31,7 @@ describe("extension files", () => {
   test("a picked file continues the cast, and neither it nor its copies are casts", async () => {
     stage.expectTrouble(REFUSED);
     const page = await stage.page();
-    const other = await stage.page();
+    const other = await stage.newPage();
     await openCast(page, "bay.asvp");
     await told(other, "bay.asvp was opened elsewhere.").waitFor();
     const listed = await casts(page);
@@ -63,13 +63,12 @@ describe("extension files", () => {
     assert.equal(await page.locator("#messages [role=alert]").count(), 0);
     assert.deepEqual(await other.locator(".message-text").allTextContents(), ["bay.asvp was opened elsewhere."]);
     assert.equal(await other.locator("#cast-title").textContent(), "No cast open");
-    await page.close();
     await other.close();
   });
 
   test("a file whose first line is a cast's header does not become the cast on any page", async () => {
     const page = await stage.page();
-    const other = await stage.page();
+    const other = await stage.newPage();
     await openCast(page, "bay.asvp");
     await openCast(other, "whole.asvp");
     await page.locator(".message").first().waitFor();
@@ -81,12 +80,11 @@ describe("extension files", () => {
     assert.equal(await other.locator("#cast-title").textContent(), "whole.asvp");
     assert.equal(await page.locator("#cast-title").textContent(), "bay.asvp");
     for (const each of [page, other]) assert.equal(await each.locator(".message").filter({ hasText: "extentionfile" }).count(), 0);
-    await page.close();
     await other.close();
   });
 
   test("a dropped file is looked at; what stands against it is said before it is handed in", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await rm(join(stage.host.folder, "extentionfile.asvp"), { force: true });
     await openCast(page, "bay.asvp");
     await page.keyboard.press("e");
@@ -107,7 +105,7 @@ describe("extension files", () => {
 
   test("a file that ends early or steps back may be used after a warning", async () => {
     stage.expectTrouble(REFUSED);
-    const page = await stage.samePage({ width: 1024, height: 600 });
+    const page = await stage.page({ width: 1024, height: 600 });
     await openCast(page, "bay.asvp");
     const dialog = await openExtend(page, OWN);
     await drag(page, "drop", held("back.txt", "comment\n500 1498\n3000 1510\n2000 1505\n11990 1600\n"));
@@ -130,7 +128,7 @@ describe("extension files", () => {
 
   test("a file that cannot be stored is told, and the dialog stays", async () => {
     stage.expectTrouble(REFUSED);
-    const page = await stage.samePage();
+    const page = await stage.page();
     const path = join(stage.host.folder, "extentionfile.asvp");
     await rm(path, { force: true });
     await mkdir(path);
@@ -149,7 +147,7 @@ describe("extension files", () => {
   });
 
   test("an opening that failed for another page's file is not told, since it succeeds", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     // The refusal of an extension file that another page hands in comes before this page's answer.
     await page.routeWebSocket(/\/ws$/, (socket) => {
       const host = socket.connectToServer();
@@ -180,6 +178,5 @@ describe("extension files", () => {
     await dialog.getByLabel("File name").fill("extentionfile");
     await page.keyboard.press("Enter");
     await dialog.getByText("The page uses this name itself.").waitFor();
-    await page.close();
   });
 });

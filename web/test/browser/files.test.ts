@@ -28,7 +28,7 @@ describe("files of the user's", () => {
   const expectRefusal = () => stage.expectTrouble(/Failed to load resource: the server responded with a status of/);
 
   test("a picked file is stored, opened, listed and told of", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const file = asvp("picked.asvp", 7);
     await pick(page, file);
     await shown(page, "picked.asvp");
@@ -41,7 +41,7 @@ describe("files of the user's", () => {
   });
 
   test("several files are opened one after the other, the last one stays", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const chooser = page.waitForEvent("filechooser");
     await page.keyboard.press("o");
     await (await chooser).setFiles([asvp("first.asvp", 3), held("second.xyz", "1 1500\n2 1500\n"), asvp("third.asvp", 5)]);
@@ -53,7 +53,7 @@ describe("files of the user's", () => {
   });
 
   test("a file dropped anywhere is opened, with a hint while it is held", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const hint = page.locator("#drop-hint");
     assert.ok(await drag(page, "dragenter", asvp("dropped.asvp", 4)));
     await hint.waitFor();
@@ -67,7 +67,7 @@ describe("files of the user's", () => {
   });
 
   test("names with letters of any script are kept, marks that cannot be are replaced and told", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, asvp("Ærø Ωδ 深度, 100%.asvp", 3));
     await shown(page, "Ærø Ωδ 深度, 100%.asvp");
     await pick(page, asvp('say "hi" [2].asvp', 3));
@@ -79,7 +79,7 @@ describe("files of the user's", () => {
   });
 
   test("a file of a name that is there is kept beside the new one", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const older = await onDisk("there.asvp");
     await pick(page, asvp("there.asvp", 6));
     await told(page, "The older there.asvp is kept beside it, with “_bck_” and the time in its name.").waitFor();
@@ -89,7 +89,7 @@ describe("files of the user's", () => {
   });
 
   test("an empty file is refused, and does not open an older one of its name", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, held("there.asvp", ""));
     await failed(page, "there.asvp is empty (0 bytes). Look whether it was copied whole; nothing was stored.").waitFor();
     assert.equal(await page.locator("#cast-title").textContent(), "No cast open");
@@ -105,7 +105,7 @@ describe("files of the user's", () => {
   ];
   test("what cannot be opened is told with what to do next, and the open cast stays", async () => {
     expectRefusal();
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "shelf-summer.asvp");
     await pick(page, ...broken.map(([file]) => file));
     for (const [{ name }, words] of broken) {
@@ -121,7 +121,7 @@ describe("files of the user's", () => {
   test("a file over the host's limit is refused with both sizes", async () => {
     expectRefusal();
     stage.expectTrouble(/ERR_CONNECTION_(RESET|ABORTED)|ERR_EMPTY_RESPONSE/);
-    const page = await stage.samePage();
+    const page = await stage.page();
     // Made in the page: such a file takes long on its way from a test to the browser.
     await page.evaluate(() => {
       const data = new DataTransfer();
@@ -134,12 +134,11 @@ describe("files of the user's", () => {
 
   test("another page lists what was handed in here, and is offered it", async () => {
     const one = await stage.page();
-    const two = await stage.page();
+    const two = await stage.newPage();
     await pick(one, asvp("shared.asvp", 3));
     await told(two, "shared.asvp was opened elsewhere.").waitFor();
     await two.locator('[data-name="shared.asvp"]').waitFor();
     assert.equal(await two.locator("#cast-title").textContent(), "No cast open");
-    await one.close();
     await two.close();
   });
 
@@ -153,7 +152,6 @@ describe("files of the user's", () => {
     await page.locator("#connection[data-state=open]").waitFor();
     await pick(page, asvp("late.asvp", 3));
     await shown(page, "late.asvp");
-    await page.close();
   });
 
   // Samples of the other kinds, with the columns that each has something to say in.
@@ -180,7 +178,7 @@ describe("files of the user's", () => {
     ],
   ];
   test("a cast of each kind is shown with its columns, time, position and comment", async () => {
-    const page = await stage.samePage({ width: 1024, height: 600 });
+    const page = await stage.page({ width: 1024, height: 600 });
     for (const [name, columns, header] of kinds) {
       await openCast(page, name);
       const titles = await page.locator(".tabulator-col-title").evaluateAll((all) =>
@@ -194,7 +192,7 @@ describe("files of the user's", () => {
   });
 
   test("a cast of another kind is saved under its own name with the suffix of what is written", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const save = async (item: string) => {
       await page.getByRole("button", { name: "Save", exact: true }).click();
       await page.getByRole("menuitem", { name: item, exact: true }).click();

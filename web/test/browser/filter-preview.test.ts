@@ -15,7 +15,7 @@ describe("import filters and files", () => {
   beforeEach(() => rm(tablePath(), { force: true, recursive: true }));
 
   test("the preview shows how each line is read, and its headings assign the columns", async () => {
-    const page = await stage.samePage({ width: 1024, height: 600 });
+    const page = await stage.page({ width: 1024, height: 600 });
     await openFilters(page);
     await picture(page, "filters-empty");
     await preview(page, "cast.csv", LOGGER);
@@ -48,7 +48,7 @@ describe("import filters and files", () => {
   });
 
   test("what is shown is what opening gives, level by level", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     const text = ["1;1500;x", "  +2.50 ;1501.25;9.5", "3;;1", "4;nan;1", "5;1502", "1e1;1.5e3;-1.25", "11;1503;7"].join("\r\r\n");
     await openFilters(page);
     await preview(page, "marks.odd", text);
@@ -68,7 +68,7 @@ describe("import filters and files", () => {
 
   test("a file that no filter fits leads to a filter, and the filter opens it", async () => {
     stage.expectTrouble(/Failed to load resource: the server responded with a status of 500/);
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, held("station.log", LOGGER));
     const message = failed(page, "No import filter fits files ending in .log. Describe its columns in Import filters…");
     await message.getByRole("button", { name: "Import filters…", exact: true }).click();
@@ -93,7 +93,7 @@ describe("import filters and files", () => {
 
   test("a file dropped on the dialog is looked at, not opened; typed values stay", async () => {
     await write(row("csv", "3,1,-1,-1,-1,-1,1.000,1.000,comma,undef"));
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await dialogOf(page).locator(".cast[aria-current=true]").waitFor();
     assert.ok(await drag(page, "drop", held("cast.csv", LOGGER)));
@@ -114,7 +114,7 @@ describe("import filters and files", () => {
   for (const theme of ["dark", "light"]) {
     test(`the dialog lies inside a small screen, ${theme}`, async () => {
       await write(row("harbour"), row("a-rather-long-name-of-a-filter-for-the-old-logger"));
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openFilters(page);
       await preview(page, "cast.csv", LOGGER);

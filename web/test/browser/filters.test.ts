@@ -14,7 +14,7 @@ describe("import filters", () => {
   beforeEach(() => rm(tablePath(), { force: true, recursive: true }));
 
   test("without a table there are no filters yet, and nothing is a failure", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await dialogOf(page).getByText("No import filters yet.").waitFor();
     await dialogOf(page).getByText("valeport2 (.vp2)").waitFor();
@@ -25,7 +25,7 @@ describe("import filters", () => {
   });
 
   test("a filter is added, with what stands against it told at its fields", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await press(page, "Save filter");
     const fault = (key: string) => dialogOf(page).locator(`#filter-${key}-fault`).textContent();
@@ -50,7 +50,7 @@ describe("import filters", () => {
 
   test("a filter is changed in its place, whatever of it is changed", async () => {
     await write(row("one"), row("two"), row("three"));
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     assert.deepEqual(await listed(page), ["one", "two", "three"]);
     await choose(page, "two");
@@ -80,7 +80,7 @@ describe("import filters", () => {
 
   test("a filter is deleted and the others stay", async () => {
     await write(row("one"), row("two", "3,4,5,6,7,2-3,0.500,2.000,tab,conductivity"), row("three"));
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await choose(page, "one");
     await press(page, "Delete…");
@@ -104,7 +104,7 @@ describe("import filters", () => {
 
   test("rows that a deletion could not put back are kept, even by another page, until they are", async () => {
     await write(row("one"), row("two"), row("three"));
-    const page = await stage.page();
+    const page = await stage.newPage();
     // The connection breaks when the first row is to be put back.
     await page.routeWebSocket(/\/ws$/, (socket) => {
       const host = socket.connectToServer();
@@ -125,21 +125,20 @@ describe("import filters", () => {
     await press(page, "Close");
     await failed(page, "Import filters that are not stored yet: two, three.").waitFor();
     const context = page.context();
-    await page.close();
 
-    const next = await stage.page({ context });
+    const next = await stage.newPage({ context });
     await openFilters(next);
     await press(next, "Save all again");
     await status(next, "All filters are stored.");
     assert.deepEqual(await listed(next), ["two", "three"]);
     assert.deepEqual(await table(), [row("two"), row("three")]);
     assert.ok(await dialogOf(next).locator(".filter-unstored").isHidden());
-    await next.close();
+    await context.close();
   });
 
   test("rows that cannot be used are told beside those that can", async () => {
     await write(row("good"), row("bad", "0,0,-1,-1,-1,-1,1.000,1.000,comma,undef"), row("odd", "0,1,-1,-1,-1,-1,1.000,1.000,stars,undef"));
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await dialogOf(page).getByText(/^2 rows of the table cannot be used: Speedcolumn cannot be the same as Depthcolumn\. Separator must be/).waitFor();
     assert.deepEqual(await listed(page), ["good"]);
@@ -148,7 +147,7 @@ describe("import filters", () => {
   });
 
   test("a table that cannot be written is told, and the form stays", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openFilters(page);
     await mkdir(tablePath());
     await fill(page, { Name: "lab", Suffix: ".lab", Depth: "0", "Sound speed": "1" });
@@ -158,7 +157,7 @@ describe("import filters", () => {
   });
 
   test("what is not saved is not lost by Escape, and no key reaches the page behind", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "shelf-summer.asvp");
     await page.keyboard.press("i");
     await dialogOf(page).waitFor();

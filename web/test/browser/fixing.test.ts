@@ -23,7 +23,7 @@ describe("fixing", () => {
   const onDisk = (name: string) => readFile(join(stage.host.folder, name), "latin1");
 
   test("a cast is cleaned, continued and thinned, shown, compared, and taken back", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "faulty.asvp");
     const before = await levels(page);
     await page.keyboard.press("x");
@@ -68,7 +68,7 @@ describe("fixing", () => {
   });
 
   test("a file that is there already is replaced only with consent", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "faulty.asvp");
     const whole = await onDisk("faulty_fixed.asvp");
     const older = "what was there before";
@@ -86,7 +86,7 @@ describe("fixing", () => {
   });
 
   test("a level at the surface is added at a press, where there is none", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "nowhere.asvp");
     await fix(page);
     // Neither time nor position is made up.
@@ -111,7 +111,7 @@ describe("fixing", () => {
   });
 
   test("a whole cast stays as it is, and offers no surface level", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     await fix(page, "0.01");
     const dialog = await fixed(page, "straight.asvp");
@@ -130,7 +130,7 @@ describe("fixing", () => {
   });
 
   test("failures say what is to be done, and lead there", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "few.asvp");
     await fix(page);
     await fixDialog(page).getByText("few.asvp was not fixed. At least 6 levels are needed, each with a depth and a sound speed; this cast has 4 levels.").waitFor();
@@ -150,8 +150,8 @@ describe("fixing", () => {
   });
 
   test("a page beside it thins on, and is offered what was written", async () => {
-    const page = await stage.samePage();
-    const other = await stage.page();
+    const page = await stage.page();
+    const other = await stage.newPage();
     await openCast(other, "straight.asvp");
     await openCast(page, "faulty.asvp");
     await fix(page);
@@ -165,7 +165,7 @@ describe("fixing", () => {
 
   for (const theme of ["dark", "light"]) {
     test(`the result lies inside a small screen, ${theme}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openCast(page, "wavy.asvp");
       await page.keyboard.press("x");

@@ -21,7 +21,7 @@ describe("editing the header", () => {
   });
 
   test("all thirteen fields are there with their meaning, also at 1024 by 600", async () => {
-    const page = await stage.samePage({ width: 1024, height: 600 });
+    const page = await stage.page({ width: 1024, height: 600 });
     assert.ok(await page.locator("#header-edit").isDisabled());
     await openCast(page, "sea.asvp");
     await page.keyboard.press("d");
@@ -43,7 +43,7 @@ describe("editing the header", () => {
   });
 
   test("what is typed is shown, one step of the history, and written into the file", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "sea.asvp");
     await page.getByRole("button", { name: "Edit the header" }).click();
     await input(page, "Time").fill("2026-12-01 06:05");
@@ -72,7 +72,7 @@ describe("editing the header", () => {
   });
 
   test("what cannot be carried is refused where it stands", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "sea.asvp");
     await page.keyboard.press("d");
     await input(page, "Comment").fill("[draft]");
@@ -92,7 +92,7 @@ describe("editing the header", () => {
   });
 
   test("what was stated in the header is not asked for", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "nowhere.asvp");
     await page.keyboard.press("d");
     await input(page, "Time").fill("2026-12-01 06:05:04");
@@ -111,7 +111,7 @@ describe("editing the header", () => {
   });
 
   test("a kind whose rows leave out what was changed is asked about before it goes out", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, held("probe.vp2", PROBE));
     await shown(page, "probe.vp2");
     await page.keyboard.press("d");

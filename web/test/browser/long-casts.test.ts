@@ -49,7 +49,6 @@ describe("long casts", () => {
     const page = await stage.page();
     await openCast(page, "two-thousand.asvp");
     assert.equal(await page.locator(".level-point").count(), 2000);
-    await page.close();
   });
 
   test(`${LONG} levels in three panels and the table are drawn in ${FIRST_DRAWING_MS} ms`, async (t) => {
@@ -72,7 +71,6 @@ describe("long casts", () => {
     assert.ok(Math.min(...drawn) < FIRST_DRAWING_MS, `drawn in ${drawn.map(Math.round).join(", ")} ms`);
     const corners = ((await page.locator(".trace path").first().getAttribute("d")) ?? "").split("L").length;
     assert.ok(corners > 300 && corners < 4000, `${corners} corners of the line`);
-    await page.close();
   });
 
   const movements: [string, (page: Page) => Promise<void>][] = [
@@ -109,7 +107,6 @@ describe("long casts", () => {
         least = Math.min(least, Math.max(0, ...tasks));
       }
       assert.ok(least <= LONG_TASK_MS, `a task of ${least} ms in the best round`);
-      await page.close();
     });
   }
 
@@ -134,6 +131,5 @@ describe("long casts", () => {
       await page.keyboard.press("End");
       await page.locator(`.tabulator-row.selected[data-level="${LONG}"]`).waitFor();
     });
-    await page.close();
   });
 });

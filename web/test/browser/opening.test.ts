@@ -27,7 +27,6 @@ describe("opening a cast", () => {
     assert.deepEqual([...listed].sort(), files.sort());
     assert.ok(listed.includes("tide.asvp"));
     assert.match((await page.locator("#cast-summary").textContent()) ?? "", /^\d+ casts in /);
-    await page.close();
   });
 
   test("Refresh finds a cast that came since", async () => {
@@ -36,7 +35,6 @@ describe("opening a cast", () => {
     assert.equal(await page.locator('[data-name="later.asvp"]').count(), 0);
     await page.getByRole("button", { name: "Refresh" }).click();
     await openCast(page, "later.asvp");
-    await page.close();
   });
 
   test("an opened cast has one point a level, its table and its header", async () => {
@@ -59,7 +57,6 @@ describe("opening a cast", () => {
     assert.equal(await field("samp"), "12");
     assert.equal(await field("validfrom"), "not given");
     assert.match((await page.locator("#cast-facts").textContent()) ?? "", /12 levels/);
-    await page.close();
   });
 
   test("positions south and west keep their signs", async () => {
@@ -69,7 +66,6 @@ describe("opening a cast", () => {
     for (const text of ["2024-02-29 23:59:59 UTC", "00° 30.000′ S", "070° 06.000′ W", "CTD_7"]) {
       assert.ok(header.includes(text), `${text} in ${header}`);
     }
-    await page.close();
   });
 
   test("every sample cast opens with as many points as its file has levels", async () => {
@@ -83,7 +79,6 @@ describe("opening a cast", () => {
       await openCast(page, name);
       assert.equal(await page.locator(".level-point").count(), levels, name);
     }
-    await page.close();
   });
 
   test("a cast is opened with the keyboard alone", async () => {
@@ -112,7 +107,6 @@ describe("opening a cast", () => {
     assert.deepEqual(keys.filter((key, i) => keys.indexOf(key) !== i), [], "each key does one thing");
     await page.keyboard.press("Escape");
     await help.waitFor({ state: "hidden" });
-    await page.close();
   });
 
   test("the Tab key reaches the list, the tools, the plot and the table", async () => {
@@ -131,7 +125,6 @@ describe("opening a cast", () => {
     for (const stop of ["theme", "help-open", "refresh", "cast", "header", "check", "plot", "tabulator-tableholder"]) {
       assert.ok(reached.has(stop), `${stop} in ${[...reached].join(", ")}`);
     }
-    await page.close();
   });
 
   test("a failure is told, stays while work goes on, and goes when dismissed", async () => {
@@ -152,7 +145,6 @@ describe("opening a cast", () => {
     await message.getByRole("button", { name: /^Dismiss/ }).click();
     await message.waitFor({ state: "detached" });
     assert.ok(await page.locator("#messages").isHidden());
-    await page.close();
   });
 
   test("a name with a comma opens; one with brackets is refused with a reason", async () => {
@@ -161,6 +153,5 @@ describe("opening a cast", () => {
     await page.locator('[data-name="with [bracket].asvp"]').click();
     await page.getByRole("alert").filter({ hasText: "holds a bracket" }).waitFor();
     assert.equal(await page.locator("#cast-title").textContent(), "with, comma.asvp");
-    await page.close();
   });
 });

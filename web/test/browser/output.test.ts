@@ -61,7 +61,6 @@ describe("sending, saving and handing on", () => {
     assert.deepEqual(arrival.time, ["2026", "03", "02", "184500"]);
     assert.deepEqual(arrival.tail, ["4115.000000", "N", "2943.998000", "W", "", "", "NA"]);
     await survey.assertQuiet();
-    await page.close();
   });
 
   test("a cast that does not pass the check is refused, with what to do next", async () => {
@@ -77,7 +76,6 @@ describe("sending, saving and handing on", () => {
     await openCast(page, "needs-repair.asvp");
     await refusal.getByRole("button", { name: "Check", exact: true }).click();
     await page.getByRole("heading", { name: /^Check of/ }).waitFor();
-    await page.close();
   });
 
   test("a cast saved under a new name is listed and reopens with the same values", async () => {
@@ -103,7 +101,6 @@ describe("sending, saving and handing on", () => {
     assert.equal(await field("lat"), "59° 30.000′ N");
     assert.equal(await field("lon"), "010° 15.000′ E");
     assert.equal(await field("source"), "source");
-    await page.close();
   });
 
   test("a file that is there already is replaced only when the user agrees", async () => {
@@ -132,7 +129,6 @@ describe("sending, saving and handing on", () => {
     await page.keyboard.press("Enter");
     await question(page, "Replace keep.asvp?").getByRole("button", { name: "Cancel" }).click();
     assert.ok(!(await readdir(stage.host.folder)).includes("KEEP.asvp"));
-    await page.close();
   });
 
   test("a datagram file is written whole, and a second one keeps the first", async () => {
@@ -158,7 +154,6 @@ describe("sending, saving and handing on", () => {
     assert.equal(backups.length, 1);
     assert.equal(await onDisk(backups[0] ?? ""), written);
     await page.locator('[data-name="keep.ssp"]').waitFor();
-    await page.close();
   });
 
   test("time and position that a cast lacks are asked for, and none is made up", async () => {
@@ -198,7 +193,6 @@ describe("sending, saving and handing on", () => {
     await dialog.getByRole("button", { name: "Go on" }).click();
     await told(page, "somewhere.asvp").waitFor();
     assert.match(await onDisk("somewhere.asvp"), /^\( SoundVelocity 1\.0 0 20260228100000 -12\.508333333 -0\.25 /);
-    await page.close();
   });
 
   test("a type that is no content identifier may go out as 00", async () => {
@@ -210,7 +204,6 @@ describe("sending, saving and handing on", () => {
     await dialog.getByRole("button", { name: "Send as 00" }).click();
     await told(page, "odd-type.asvp, 6 levels as S00").waitFor();
     assert.deepEqual((await survey.next()).tail.slice(0, 4), ["30.000000", "S", "7006.000000", "W"]);
-    await page.close();
   });
 
   test("more than a thousand levels are sent only when the user insists", async () => {
@@ -233,7 +226,6 @@ describe("sending, saving and handing on", () => {
     await dialog.getByText(`A UDP datagram holds at most 65${space}507 bytes`).waitFor();
     await dialog.getByRole("button", { name: "Cancel" }).click();
     await survey.assertQuiet();
-    await page.close();
   });
 
   test("the receiver and the distribution answer in their own words", async () => {
@@ -248,7 +240,6 @@ describe("sending, saving and handing on", () => {
     await failed(page, /two\.asvp was not handed to the receiver\. Invalid svp\. At least 3 levels/).waitFor();
     await choose(page, "Send", "Distribute");
     await failed(page, /two\.asvp was not distributed\. Invalid svp\./).waitFor();
-    await page.close();
   });
 
   test("a cast too short to be saved is refused in words, and nothing is written", async () => {
@@ -259,18 +250,16 @@ describe("sending, saving and handing on", () => {
     await page.keyboard.press("Enter");
     await failed(page, "short.asvp was not saved. Wrong svp input. At least 3 levels are needed").waitFor();
     assert.ok(!(await readdir(stage.host.folder)).includes("short.asvp"));
-    await page.close();
   });
 
   test("another page's list shows what was saved here, and tells no tale of it", async () => {
     const one = await stage.page();
-    const two = await stage.page();
+    const two = await stage.newPage();
     await openCast(one, "odd*name.asvp");
     await choose(one, "Save", "Save");
     await told(one, "odd_name.asvp").waitFor();
     await two.locator('[data-name="odd_name.asvp"]').waitFor();
     assert.equal(await two.locator(".message").filter({ hasText: "Saved" }).count(), 0);
-    await one.close();
     await two.close();
   });
 
@@ -307,7 +296,6 @@ describe("sending, saving and handing on", () => {
     assert.equal(await focused(), "save", "the keyboard is back where it was");
     await page.keyboard.press("?");
     await page.getByText("Send the open cast: arrow keys").waitFor();
-    await page.close();
   });
 
   for (const theme of ["dark", "light"]) {
@@ -344,7 +332,6 @@ describe("sending, saving and handing on", () => {
       await inside(page.locator("#messages"));
       await inside(page.locator(".levels"));
       await picture(page, `messages-${theme}`);
-      await page.close();
     });
   }
 });

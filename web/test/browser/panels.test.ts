@@ -36,7 +36,7 @@ describe("panels", () => {
   });
 
   test("each quantity that a cast has is a panel, all over the same depths", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "speeds.asvp");
     assert.equal(await page.locator(".profile-plot").count(), 1);
     assert.ok(await page.getByRole("group", { name: "Panels beside sound speed" }).isHidden());
@@ -61,7 +61,7 @@ describe("panels", () => {
   });
 
   test("a panel is put away and brought back, in the next cast as well", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     const toggle = page.getByRole("button", { name: "Temperature", exact: true });
     assert.equal(await toggle.getAttribute("aria-pressed"), "true");
@@ -77,7 +77,7 @@ describe("panels", () => {
   });
 
   test("a drag in one panel zooms its own quantity and the depths of all", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     const [from, to] = [await middleOf(points(page, "svp_Temp").nth(5)), await middleOf(points(page, "svp_Temp").nth(20))];
     const ticks = (key: Key) => panel(page, key).locator("[aria-label='x-axis tick label'] text").allTextContents();
@@ -104,7 +104,7 @@ describe("panels", () => {
   });
 
   test("pointing at a panel shows all quantities at that depth, with a crosshair through all panels", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     const { y } = await middleOf(points(page, "svp_Temp").nth(10));
     // Beside the line, in another panel.
@@ -130,7 +130,7 @@ describe("panels", () => {
   });
 
   test("a level picked in any panel is selected in all of them and in the table, and the other way", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "probe.vp2");
     const at = await middleOf(points(page, "svp_Sal").nth(30));
     await page.mouse.click(at.x, at.y);
@@ -146,7 +146,7 @@ describe("panels", () => {
   });
 
   test("invalid levels and what was joined are marked in every panel", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "faulty.vp2");
     await check(page);
     for (const key of KEYS) assert.equal(await panel(page, key).locator(".level-invalid").count(), 1, key);
@@ -163,7 +163,7 @@ describe("panels", () => {
   });
 
   test("a screen reader is told what the plot shows", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "speeds.asvp");
     const described = await page.locator("#plot").evaluate((plot) =>
       (plot.getAttribute("aria-describedby") ?? "").split(" ").map((id) => document.getElementById(id)?.textContent ?? "?"));

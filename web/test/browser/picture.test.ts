@@ -34,6 +34,5 @@ describe("picture", () => {
       await mkdir(dirname(PICTURE), { recursive: true });
       await page.screenshot({ path: PICTURE });
     }
-    await page.close();
   });
 });

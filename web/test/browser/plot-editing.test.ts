@@ -16,7 +16,7 @@ describe("editing in the plot", () => {
     const { outputFiles } = await build({
       entryPoints: ["test/browser/plot-harness.ts"], bundle: true, write: false, format: "iife", logLevel: "warning",
     });
-    const page = await stage.samePage();
+    const page = await stage.page();
     const url = new URL("harness.js", stage.host.url).href;
     await page.unroute(url);
     await page.route(url, (route) => route.fulfill({ contentType: "text/javascript", body: outputFiles[0]?.text ?? "" }));

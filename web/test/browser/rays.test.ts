@@ -45,7 +45,7 @@ describe("ray paths", () => {
   }
 
   test("a ray through a gradient lies beside that of the reference, as geometry has it", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     await page.keyboard.press("y");
     await rayDialog(page).waitFor();
@@ -69,7 +69,7 @@ describe("ray paths", () => {
   });
 
   test("angles come from the field, the slider and the keyboard, within their range", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     await page.keyboard.press("y");
     for (const [text, fault] of [["90.1", "The angle must lie from 0 to 90 °."], ["-1", "The angle must lie from 0 to 90 °."], ["x", "The angle is no number."], ["", "State the angle, 0 to 90 °."]] as const) {
@@ -109,11 +109,10 @@ describe("ray paths", () => {
     assert.equal(most(), 1);
     assert.ok(asked.length >= 3 && asked.length <= 62, asked.join(" "));
     assert.equal(asked.at(-1), last);
-    await page.close();
   });
 
   test("beside it lies the cast before its last change, or another that was opened", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     await openCast(page, "sea.asvp");
     await extendByDefault(page);
@@ -128,7 +127,7 @@ describe("ray paths", () => {
   });
 
   test("a ray that turns back to the surface is drawn as it runs", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     await page.keyboard.press("y");
     await angleField(page).fill("10");
@@ -143,7 +142,7 @@ describe("ray paths", () => {
   });
 
   test("a profile that is not accepted leads to the fix", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "faulty.asvp");
     await page.keyboard.press("y");
     await rayDialog(page).getByText("faulty.asvp or the second profile has levels out of order").waitFor();
@@ -158,7 +157,7 @@ describe("ray paths", () => {
 
   for (const theme of ["dark", "light"]) {
     test(`the dialog lies inside a small screen, ${theme}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openCast(page, "straight.asvp");
       await openCast(page, "sea.asvp");

@@ -16,7 +16,7 @@ describe("reworking a cast", () => {
   });
 
   test("levels in air are dropped and told, at the start and where an upcast comes out", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "both.asvp");
     assert.ok(await page.getByRole("button", { name: "Add 0 m level" }).isHidden());
     await edit(page, "Drop levels in air");
@@ -31,7 +31,7 @@ describe("reworking a cast", () => {
   });
 
   test("the way down or the way up is kept, reversed and sorted only when asked", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "both.asvp");
     await edit(page, "Drop levels in air");
     await edit(page, "Keep downcast");
@@ -55,7 +55,7 @@ describe("reworking a cast", () => {
   });
 
   test("the surface level is there in one click, marked as joined", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "low.asvp");
     await picture(page, "surface-button");
     await page.getByRole("button", { name: "Add 0 m level" }).click();
@@ -103,11 +103,11 @@ describe("reworking a cast", () => {
 
   test("edits that a closed page has left are offered; those of an open one are not", async () => {
     const page = await stage.page();
-    const other = await stage.page({ context: page.context() });
+    const other = await stage.newPage({ context: page.context() });
     await openCast(other, "low.asvp");
     await other.getByRole("button", { name: "Add 0 m level" }).click();
     await stored(other, 1);
-    const third = await stage.page({ context: page.context() });
+    const third = await stage.newPage({ context: page.context() });
     await third.waitForTimeout(300);
     assert.equal(await third.locator("#messages").isHidden(), true);
     await third.close();

@@ -31,7 +31,7 @@ describe("pages and connection", () => {
 
   test("two pages do not disturb each other's open cast", async () => {
     const one = await stage.page();
-    const two = await stage.page();
+    const two = await stage.newPage();
     await openCast(one, "mine.asvp");
     await openCast(two, "theirs.asvp");
     const notice = one.getByRole("status").filter({ hasText: "theirs.asvp was opened elsewhere" });
@@ -48,13 +48,12 @@ describe("pages and connection", () => {
     await notice.getByRole("button", { name: "Open it" }).click();
     await shown(one, "theirs.asvp");
     await notice.waitFor({ state: "detached" });
-    await one.close();
     await two.close();
   });
 
   test("another page's failure is not shown here", async () => {
     const one = await stage.page();
-    const two = await stage.page();
+    const two = await stage.newPage();
     await openCast(one, "mine.asvp");
     await stage.host.writeCast("gone.asvp", seaLevels([0, 10]));
     await two.getByRole("button", { name: "Refresh" }).click();
@@ -64,13 +63,12 @@ describe("pages and connection", () => {
     await two.getByRole("alert").filter({ hasText: "gone.asvp could not be opened" }).waitFor();
     await one.waitForTimeout(300);
     assert.equal(await one.getByRole("alert").count(), 0);
-    await one.close();
     await two.close();
   });
 
   test("an alert from the engine is shown on every page until dismissed", async () => {
     const one = await stage.page();
-    const two = await stage.page();
+    const two = await stage.newPage();
     const data = "page,ACTION=SVP_WebInterface/SVPAlert,[Probe battery low]";
     await sendPast(two, JSON.stringify({ name: "SVP_WebInterface", data }));
     for (const page of [one, two]) {
@@ -79,7 +77,6 @@ describe("pages and connection", () => {
       await alert.getByRole("button", { name: /^Dismiss/ }).click();
       await alert.waitFor({ state: "detached" });
     }
-    await one.close();
     await two.close();
   });
 
@@ -105,6 +102,5 @@ describe("pages and connection", () => {
     assert.equal(await page.getByRole("alert").count(), 0, "one message tells of loss and return");
     await told.getByRole("button", { name: /^Dismiss/ }).click();
     await check(page);
-    await page.close();
   });
 });

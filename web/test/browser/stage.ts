@@ -19,6 +19,8 @@ const FLAGS = [
   "--disable-sync",
 ];
 
+const USUAL_SIZE = { width: 1280, height: 800 };
+
 export interface PageOptions {
   width?: number;
   height?: number;
@@ -26,9 +28,22 @@ export interface PageOptions {
   context?: BrowserContext;
 }
 
-/// One host and one browser for all tests of a file.
+/// One browser serves all test files of a process: starting one takes longer than most tests.
+let browser: Promise<Browser> | null = null;
+
+function theBrowser(): Promise<Browser> {
+  const root = process.getuid?.() === 0;
+  browser ??= chromium.launch({
+    executablePath: CHROMIUM,
+    args: root ? [...FLAGS, "--no-sandbox"] : FLAGS,
+  });
+  return browser;
+}
+
+after(async () => (await browser)?.close());
+
+/// One host and one page for all tests of a file.
 export class Stage {
-  private browser: Browser | null = null;
   private theHost: Host | null = null;
   private kept: Page | null = null;
   private troubles: string[] = [];
@@ -39,15 +54,10 @@ export class Stage {
     before(async () => {
       this.theHost = await Host.start();
       await prepare(this.theHost);
-      const root = process.getuid?.() === 0;
-      this.browser = await chromium.launch({
-        executablePath: CHROMIUM,
-        args: root ? [...FLAGS, "--no-sandbox"] : FLAGS,
-      });
     });
     afterEach(() => this.assertNoTrouble());
     after(async () => {
-      await this.browser?.close();
+      await this.kept?.context().close();
       await this.theHost?.remove();
     });
   }
@@ -57,27 +67,12 @@ export class Stage {
     return this.theHost;
   }
 
-  /// A new page, opened and connected.
-  async page({ width = 1280, height = 800, context }: PageOptions = {}): Promise<Page> {
-    assert.ok(this.browser);
-    const viewport = { width, height };
-    const page = await (context ?? (await this.browser.newContext({ viewport }))).newPage();
-    await page.setViewportSize(viewport);
-    page.setDefaultTimeout(PATIENCE_MS);
-    this.watch(page);
-    // File choosers are caught while someone listens; one listener that stays spares the switching.
-    page.on("filechooser", () => undefined);
-    await page.goto(this.host.url);
-    await connected(page);
-    await page.locator(".cast").first().waitFor();
-    return page;
-  }
-
-  /// A page as if new, though earlier tests were on it: that takes a third of the time. It is left
-  /// open.
-  async samePage({ width = 1280, height = 800 }: Pick<PageOptions, "width" | "height"> = {}): Promise<Page> {
-    if (!this.kept) return (this.kept = await this.page({ width, height }));
+  /// A page as if new, though earlier tests were on it: that takes a third of the time of a new
+  /// one. It is left open.
+  async page(size: Pick<PageOptions, "width" | "height"> = {}): Promise<Page> {
+    if (!this.kept || this.kept.isClosed()) return (this.kept = await this.newPage(size));
     const page = this.kept;
+    const { width, height } = { ...USUAL_SIZE, ...size };
     await page.setViewportSize({ width, height });
     await page.evaluate(async () => {
       localStorage.clear();
@@ -88,8 +83,21 @@ export class Stage {
       });
     });
     await page.reload();
-    await connected(page);
-    await page.locator(".cast").first().waitFor();
+    await ready(page);
+    return page;
+  }
+
+  /// A page of its own, opened and connected; whoever asks for it closes it, or its context.
+  async newPage({ context, ...size }: PageOptions = {}): Promise<Page> {
+    const viewport = { ...USUAL_SIZE, ...size };
+    const page = await (context ?? (await (await theBrowser()).newContext({ viewport }))).newPage();
+    await page.setViewportSize(viewport);
+    page.setDefaultTimeout(PATIENCE_MS);
+    this.watch(page);
+    // File choosers are caught while someone listens; one listener that stays spares the switching.
+    page.on("filechooser", () => undefined);
+    await page.goto(this.host.url);
+    await ready(page);
     return page;
   }
 
@@ -120,6 +128,12 @@ export class Stage {
       }
     });
   }
+}
+
+/// Waits until a page that was just loaded can be used.
+async function ready(page: Page): Promise<void> {
+  await connected(page);
+  await page.locator(".cast").first().waitFor();
 }
 
 export async function connected(page: Page): Promise<void> {

@@ -34,7 +34,7 @@ describe("themes", () => {
     assert.equal(await page.getByRole("menuitemradio", { checked: true }).getAttribute("aria-label"), "Day");
     await page.keyboard.press("Escape");
 
-    const again = await stage.page({ context: page.context() });
+    const again = await stage.newPage({ context: page.context() });
     assert.equal(await theme(again), "light");
     for (const next of ["contrast", "red", "dark"]) {
       await again.keyboard.press("t");
@@ -58,7 +58,7 @@ describe("themes", () => {
 
   for (const name of ["Night", "Day", "High contrast", "Red"]) {
     test(`everything has its place at 1024 by 600: ${name}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       await choose(page, name);
       const word = name.toLowerCase().replace(" ", "-");
       await picture(page, `${word}-empty`);

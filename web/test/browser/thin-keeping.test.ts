@@ -19,7 +19,7 @@ describe("keeping a thinned cast", () => {
   const onDisk = (name: string) => readFile(join(stage.host.folder, name), "latin1");
 
   test("a straight line keeps three levels; they become the cast on the page, and are taken back", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     const before = await levels(page);
     await preview(page, "0.01");
@@ -56,7 +56,7 @@ describe("keeping a thinned cast", () => {
   });
 
   test("a probe's cast is thinned with all its columns, as a datagram file", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await pick(page, held("probe.vp2", PROBE));
     await shown(page, "probe.vp2");
     await extendByDefault(page);
@@ -83,7 +83,7 @@ describe("keeping a thinned cast", () => {
   });
 
   test("more than a thousand levels, and a file that cannot be written, are told", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "zigzag.asvp");
     const limit = "The survey system takes at most 1\u202f000 levels; this profile has 1\u202f201.";
     await preview(page, "0.01");

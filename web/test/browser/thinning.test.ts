@@ -33,7 +33,7 @@ describe("thinning", () => {
 
   test("a preview tells what remains, and nothing of it is seen outside of the dialog", async () => {
     const page = await stage.page();
-    const other = await stage.page();
+    const other = await stage.newPage();
     await openCast(page, "curve.asvp");
     await told(other, "curve.asvp was opened elsewhere.").waitFor();
     const before = await casts(page);
@@ -70,12 +70,11 @@ describe("thinning", () => {
     assert.equal(await page.locator(".message").count(), 0);
     assert.deepEqual(await other.locator(".message-text").allTextContents(), ["curve.asvp was opened elsewhere."]);
     assert.ok(!(await readdir(stage.host.folder)).includes("curve_thinned.asvp"));
-    await page.close();
     await other.close();
   });
 
   test("a cast that is not whole leads to Extend before anything is sent", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "bay.asvp");
     await rm(join(stage.host.folder, "svp-preview_thinned.asvp"), { force: true });
     await page.keyboard.press("h");
@@ -94,7 +93,7 @@ describe("thinning", () => {
   });
 
   test("a tolerance out of range is told at its field", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "straight.asvp");
     for (const [text, fault] of [
       ["0.009", "The tolerance must lie from 0.01 to 1."], ["1.01", "The tolerance must lie from 0.01 to 1."],
@@ -115,7 +114,7 @@ describe("thinning", () => {
   });
 
   test("depths out of order are refused with the way to the check", async () => {
-    const page = await stage.samePage();
+    const page = await stage.page();
     await openCast(page, "back.asvp");
     await openThin(page, "0.1");
     await press(page, "Preview");
@@ -126,7 +125,7 @@ describe("thinning", () => {
 
   for (const theme of ["dark", "light"]) {
     test(`the dialog lies inside a small screen, and asks for what a cast does not state, ${theme}`, async () => {
-      const page = await stage.samePage({ width: 1024, height: 600 });
+      const page = await stage.page({ width: 1024, height: 600 });
       if (theme === "light") await page.keyboard.press("t");
       await openCast(page, "curve.asvp");
       await preview(page, "0.5");
