@@ -5,6 +5,7 @@ import {
   formatLongitude,
   isAbsent,
 } from "./format";
+import { contentIdentifier, identifierWords } from "./identifiers";
 import { HEADER_KEYS, type Header, type HeaderKey } from "./protocol";
 
 export interface HeaderRow {
@@ -26,7 +27,7 @@ const FIELDS: Record<HeaderKey, { label: string; read: (value: Value) => string 
   hsvp_filevalidto: { label: "Valid to", read: formatHeaderTime },
   hsvp_filetype: {
     label: "Type",
-    read: (value) => asText(value).replace(/^SoundVelocity$/, "Sound velocity"),
+    read: kindText,
   },
   hsvp_fileversion: { label: "Version", read: asText },
   hsvp_fileid: { label: "Identifier", read: asText },
@@ -37,6 +38,14 @@ const FIELDS: Record<HeaderKey, { label: string; read: (value: Value) => string 
   hsvp_filehistory: { label: "History", read: asText },
   hsvp_filecomment: { label: "Comment", read: asText },
 };
+
+/// A kind with what its rows carry.
+function kindText(value: Value): string {
+  const text = asText(value);
+  if (text === "SoundVelocity") return "Sound velocity";
+  const entry = contentIdentifier(text);
+  return entry ? `${text} – ${identifierWords(entry)}` : text;
+}
 
 /// What a field is called.
 export function headerLabel(key: HeaderKey): string {

@@ -215,6 +215,6 @@ describe("files of the user's", () => {
     await page.keyboard.press("Enter");
     await told(page, "again.ssp").waitFor();
     await openCast(page, "again.ssp");
-    assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01");
+    assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01 – depth, sound speed, temperature and salinity");
   });
 });

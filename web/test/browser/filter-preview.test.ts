@@ -82,7 +82,7 @@ describe("import filters and files", () => {
     assert.ok(await dialogOf(page).isHidden());
     assert.deepEqual(await page.locator(".tabulator-col-title").allInnerTexts(), ["No.", "Depthm", "Speedm/s", "Temp.°C", "SalinityPSU"]);
     assert.equal(await page.locator("[data-quantity=svp_Speed] .level-point").count(), 7);
-    assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01");
+    assert.equal(await page.locator("#header [data-key=hsvp_filetype]").textContent(), "01 – depth, sound speed, temperature and salinity");
     assert.equal(await page.locator("#header [data-key=hsvp_filelat]").textContent(), "not given");
     // The folder's list knows the new kind, here and on a page that opens later.
     await page.locator('[data-name="station.log"][aria-current=true]').waitFor();

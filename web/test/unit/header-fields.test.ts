@@ -17,7 +17,8 @@ test("fields are read whether they come as text or as numbers", () => {
   assert.equal(value({ hsvp_filelat: "59.5" }, "hsvp_filelat"), "59° 30.000′ N");
   assert.equal(value({ hsvp_filelat: 59.5 }, "hsvp_filelat"), "59° 30.000′ N");
   assert.equal(value({ hsvp_filetype: "SoundVelocity" }, "hsvp_filetype"), "Sound velocity");
-  assert.equal(value({ hsvp_filetype: "01" }, "hsvp_filetype"), "01");
+  assert.equal(value({ hsvp_filetype: "01" }, "hsvp_filetype"), "01 – depth, sound speed, temperature and salinity");
+  assert.equal(value({ hsvp_filetype: "99" }, "hsvp_filetype"), "99");
   assert.equal(value({ hsvp_fileversion: 1 }, "hsvp_fileversion"), "1");
   assert.equal(value({ hsvp_fileradii: -1 }, "hsvp_fileradii"), "");
   assert.equal(value({ hsvp_fileradii: "10" }, "hsvp_fileradii"), "10");
