@@ -25,13 +25,14 @@ export class Host {
 
   private constructor(private readonly data: string) {}
 
-  static async start(): Promise<Host> {
+  /// `name` begins the name of its data folder.
+  static async start(name: string): Promise<Host> {
     for (const path of Object.values(paths)) {
       await access(path).catch(() => {
         throw new Error(`${path} is missing: build it, or name it by SVP_HOST, SVP_PLUGIN, SVP_WEB, SVP_SAMPLES`);
       });
     }
-    const host = new Host(await mkdtemp(join(tmpdir(), "svp-page-test-")));
+    const host = new Host(await mkdtemp(join(tmpdir(), name)));
     await host.run("127.0.0.1:0");
     return host;
   }

@@ -49,10 +49,11 @@ export class Stage {
   private troubles: string[] = [];
   private expected: RegExp[] = [];
 
-  /// To be made inside the suite that uses it. `prepare` puts casts into the profile folder.
-  constructor(prepare: (host: Host) => Promise<void>) {
+  /// To be made inside the suite that uses it. `prepare` puts casts into the profile folder, which
+  /// lies below a data folder whose name begins with `name`.
+  constructor(prepare: (host: Host) => Promise<void>, name = "svp-page-test-") {
     before(async () => {
-      this.theHost = await Host.start();
+      this.theHost = await Host.start(name);
       await prepare(this.theHost);
     });
     afterEach(() => this.assertNoTrouble());
