@@ -9,6 +9,7 @@ import { LevelTable, type TableEvents } from "./level-table";
 import { PlotView, type PlotEdits } from "./plot-view";
 import { baseName, isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
+import { rehearse } from "./rehearsal";
 
 /// Name of the performance entry that tells how long a cast took to be drawn.
 const DRAWING = "cast drawn";
@@ -60,6 +61,7 @@ export class CastView {
     this.resetZoom.addEventListener("click", () => this.plot.reset());
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
+    rehearse();
   }
 
   /// What is on the page, or null while there is no cast.

@@ -136,6 +136,14 @@ export class LevelTable {
     if (hadFocus) void this.built.then(() => this.focus());
   }
 
+  /// Takes the table away for good.
+  remove(): void {
+    this.editor?.cancel();
+    this.table?.destroy();
+    this.table = null;
+    this.host.replaceChildren();
+  }
+
   /// Shows an edited profile where the table stands. `level` is the only one that differs, if it is
   /// known to be.
   update(profile: Profile, columns: readonly Column[], level?: number): void {

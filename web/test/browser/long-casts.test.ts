@@ -8,12 +8,14 @@ import { probeCast } from "./reshape-parts";
 import { Stage, check, openCast, seaLevels, shown } from "./stage";
 
 const LONG = 20_000;
-/// From the profile's arrival until plot and table show it.
+/// From the arrival of the profile's packet until plot and table show it, on a page that has shown
+/// no cast before.
 const FIRST_DRAWING_MS = 200;
 /// A task as long as this makes a page stutter; Chromium reports no shorter ones.
 const LONG_TASK_MS = 50;
-/// Other work on the machine only ever adds to a time: the best of so many is the page's own.
-const ROUNDS = 8;
+/// Of so many times the one in the middle counts, so that a moment's other work on the machine does
+/// not.
+const ROUNDS = 5;
 /// Generous, for what goes through the engine and back.
 const SLOWEST_MS = 4000;
 
@@ -38,6 +40,22 @@ async function longOnes(page: Page, act: () => Promise<void>): Promise<{ tasks: 
     (window as unknown as { stopWatching(): { tasks: number[]; frames: number[] } }).stopWatching());
 }
 
+const middle = (times: readonly number[]): number =>
+  [...times].sort((one, other) => one - other)[Math.floor(times.length / 2)] ?? NaN;
+
+/// Runs in the page before its own code: keeps the time at which the last long packet arrived.
+function notePackets(): void {
+  const Plain = window.WebSocket;
+  window.WebSocket = class extends Plain {
+    constructor(...given: ConstructorParameters<typeof Plain>) {
+      super(...given);
+      this.addEventListener("message", ({ data }) => {
+        if (String(data).length > 100_000) Object.assign(window, { arrived: performance.now() });
+      });
+    }
+  };
+}
+
 describe("long casts", () => {
   const stage = new Stage(async (host) => {
     await writeFile(join(host.folder, "long.vp2"), probeCast(LONG, 0.05));
@@ -52,23 +70,32 @@ describe("long casts", () => {
   });
 
   test(`${LONG} levels in three panels and the table are drawn in ${FIRST_DRAWING_MS} ms`, async (t) => {
-    const page = await stage.page();
     const drawn: number[] = [];
-    for (let i = 0; i < ROUNDS && !drawn.some((each) => each < FIRST_DRAWING_MS); ++i) {
-      await openCast(page, "short.asvp");
-      await page.evaluate(() => performance.clearMeasures());
+    for (let i = 0; i < ROUNDS; ++i) {
+      const page = await stage.newPage({ before: notePackets });
       const { tasks, frames } = await longOnes(page, async () => {
         await openCast(page, "long.vp2");
         await page.waitForFunction(() => performance.getEntriesByName("cast drawn").length > 0);
       });
-      const took = await page.evaluate(() => performance.getEntriesByName("cast drawn")[0]?.duration ?? NaN);
+      const took = await page.evaluate(() => {
+        const drawing = performance.getEntriesByName("cast drawn")[0];
+        const { arrived } = window as unknown as { arrived: number };
+        return drawing ? drawing.startTime + drawing.duration - arrived : NaN;
+      });
       drawn.push(took);
       t.diagnostic(`first drawing: ${Math.round(took)} ms; long tasks ${tasks.join(", ") || "none"} ms, ` +
         `long frames ${frames.join(", ") || "none"} ms`);
+      await page.context().close();
     }
+    t.diagnostic(`in the middle: ${Math.round(middle(drawn))} ms`);
+    assert.ok(middle(drawn) < FIRST_DRAWING_MS, `drawn in ${drawn.map(Math.round).join(", ")} ms`);
+  });
+
+  test("a line of so many levels is drawn with the corners that pixels can show", async () => {
+    const page = await stage.page();
+    await openCast(page, "long.vp2");
     assert.equal(await page.locator(".profile-plot").count(), 3);
     assert.match((await page.locator("#cast-facts").textContent()) ?? "", /20.000 levels/);
-    assert.ok(Math.min(...drawn) < FIRST_DRAWING_MS, `drawn in ${drawn.map(Math.round).join(", ")} ms`);
     const corners = ((await page.locator(".trace path").first().getAttribute("d")) ?? "").split("L").length;
     assert.ok(corners > 300 && corners < 4000, `${corners} corners of the line`);
   });
@@ -98,15 +125,15 @@ describe("long casts", () => {
       const page = await stage.page();
       await openCast(page, "long.vp2");
       await page.waitForFunction(() => performance.getEntriesByName("cast drawn").length > 0);
-      let least = Infinity;
-      for (let i = 0; i < ROUNDS && least > LONG_TASK_MS; ++i) {
+      const longest: number[] = [];
+      for (let i = 0; i < ROUNDS; ++i) {
         await page.mouse.move(0, 0);
         await page.locator(".tabulator-tableholder").evaluate((holder) => (holder.scrollTop = 0));
         const { tasks, frames } = await longOnes(page, () => act(page));
         t.diagnostic(`${what}: long tasks ${tasks.join(", ") || "none"} ms, long frames ${frames.join(", ") || "none"} ms`);
-        least = Math.min(least, Math.max(0, ...tasks));
+        longest.push(Math.max(0, ...tasks));
       }
-      assert.ok(least <= LONG_TASK_MS, `a task of ${least} ms in the best round`);
+      assert.ok(middle(longest) <= LONG_TASK_MS, `longest tasks of ${longest.join(", ")} ms`);
     });
   }
 

@@ -26,6 +26,8 @@ export interface PageOptions {
   height?: number;
   /// Share storage with an earlier page by giving its context.
   context?: BrowserContext;
+  /// Runs in the page before its own code.
+  before?: () => void;
 }
 
 /// One browser serves all test files of a process: starting one takes longer than most tests.
@@ -89,7 +91,7 @@ export class Stage {
   }
 
   /// A page of its own, opened and connected; whoever asks for it closes it, or its context.
-  async newPage({ context, ...size }: PageOptions = {}): Promise<Page> {
+  async newPage({ context, before: first, ...size }: PageOptions = {}): Promise<Page> {
     const viewport = { ...USUAL_SIZE, ...size };
     const page = await (context ?? (await (await theBrowser()).newContext({ viewport }))).newPage();
     await page.setViewportSize(viewport);
@@ -97,6 +99,7 @@ export class Stage {
     this.watch(page);
     // File choosers are caught while someone listens; one listener that stays spares the switching.
     page.on("filechooser", () => undefined);
+    if (first) await page.addInitScript(first);
     await page.goto(this.host.url);
     await ready(page);
     return page;
