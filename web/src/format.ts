@@ -138,3 +138,10 @@ function formatAngle(
 export function isAbsent(text: string): boolean {
   return text === "" || /^n\/?a$/i.test(text);
 }
+
+/// A difference with its sign, "0.00" for what rounds to nothing.
+export function differenceText(difference: number, decimals: number): string {
+  const text = Math.abs(difference).toFixed(decimals);
+  if (Number(text) === 0) return text;
+  return `${difference < 0 ? "\u2212" : "+"}${text}`;
+}

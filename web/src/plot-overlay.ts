@@ -1,9 +1,10 @@
 /// What is drawn over the panels and follows the pointer: crosshair, rings, drag box, tip.
 import { valueText } from "./columns";
+import { comparedValues } from "./compared-values";
 import { make, makeSvg } from "./dom";
 import type { Area } from "./plot";
 import type { Panel, Plotted } from "./plot-panels";
-import { isJoined } from "./profile";
+import { baseName, isJoined } from "./profile";
 import type { Span } from "./spans";
 
 /// A point of the plot, in CSS pixels from its top left corner.
@@ -52,9 +53,15 @@ export class PlotOverlay {
     this.rings.replaceChildren(...rings);
   }
 
-  /// Draws the crosshair through all panels at a level's depth, its rings and its values; nothing
-  /// for null.
-  point(panels: readonly Panel[], plotted: Plotted, at: Pointed | null, invalid: ReadonlySet<number>): void {
+  /// Draws the crosshair through all panels at a level's depth, its rings, its values and those of a
+  /// profile that lies under it; nothing for null.
+  point(
+    panels: readonly Panel[],
+    plotted: Plotted,
+    under: Plotted | null,
+    at: Pointed | null,
+    invalid: ReadonlySet<number>,
+  ): void {
     for (const each of this.rings.querySelectorAll(".hover-ring")) each.remove();
     const [first] = panels;
     const last = panels[panels.length - 1];
@@ -73,7 +80,7 @@ export class PlotOverlay {
     this.crosshair.setAttribute("d", path);
     const place = placeOf(at.panel, plotted, at.level, false);
     const { left, right } = at.panel.area;
-    this.drawTip(plotted, at.level, invalid.has(at.level), { x: place?.x ?? (left + right) / 2, y });
+    this.drawTip(plotted, under, at.level, invalid.has(at.level), { x: place?.x ?? (left + right) / 2, y });
   }
 
   /// Draws what a drag covers.
@@ -94,13 +101,14 @@ export class PlotOverlay {
     this.placeTip({ x, y });
   }
 
-  private drawTip(plotted: Plotted, level: number, isInvalid: boolean, at: Point): void {
+  private drawTip(plotted: Plotted, under: Plotted | null, level: number, isInvalid: boolean, at: Point): void {
     const { profile, columns } = plotted;
-    const lines = columns.map((column) => {
-      const line = make("div", "tip-line", make("span", "", column.label));
-      line.append(make("b", "", valueText(profile, column, level)));
-      return line;
-    });
+    const lines = columns.map((column) => tipLine(column.label, valueText(profile, column, level)));
+    const compared = under ? comparedValues(plotted, under, level) : [];
+    if (under && compared.length > 0) {
+      lines.push(make("div", "tip-title tip-under", baseName(under.profile.filename)));
+      lines.push(...compared.map(({ column, text }) => tipLine(column.label, text)));
+    }
     const title = make("div", "tip-title", `Level ${level + 1}`);
     if (isInvalid) title.append(make("span", "tip-invalid", "invalid"));
     else if (isJoined(profile, level)) title.append(make("span", "tip-joined", "joined"));
@@ -130,6 +138,10 @@ export function placeOf(panel: Panel, plotted: Plotted, level: number, orEdge: b
   if (!(y >= top - 1 && y <= bottom + 1)) return null;
   if (x >= left - 1 && x <= right + 1) return { x, y };
   return orEdge && !Number.isNaN(value) ? { x: x < left ? left + 8 : right - 8, y } : null;
+}
+
+function tipLine(label: string, text: string): HTMLElement {
+  return make("div", "tip-line", make("span", "", label), make("b", "", text));
 }
 
 function ring(className: string, radius: number, at: Point | null): SVGCircleElement {

@@ -1,6 +1,6 @@
 /// The panels of a plot: one quantity each, side by side over one depth axis.
 import { shownValues, type Column, type PlotQuantity } from "./columns";
-import { MARGIN, labelFits, profilePlot, type ProfilePlot, type Span, type Underlay } from "./plot";
+import { MARGIN, depthAxis, labelFits, profilePlot, type ProfilePlot, type Span, type Underlay } from "./plot";
 import type { Profile } from "./profile";
 import type { ListKey } from "./protocol";
 import { spanOf } from "./spans";
@@ -90,7 +90,8 @@ export function drawPanels({ plotted, view, invalid, over, under, width, height 
   const { profile, columns, quantities, values } = plotted;
   const shares = quantities.map(({ key }) => (key === "svp_Speed" ? SPEED_SHARE : 1));
   const whole = shares.reduce((sum, share) => sum + share, 0);
-  const axis = MARGIN.leftWithDepths - MARGIN.left;
+  const { ticks, room: depthRoom } = depthAxis(view.depth, height);
+  const axis = depthRoom - MARGIN.left;
   let right = axis;
   return quantities.map((quantity, place) => {
     const left = place === 0 ? 0 : right;
@@ -109,7 +110,8 @@ export function drawPanels({ plotted, view, invalid, over, under, width, height 
       left,
       width: right - left,
       height,
-      hasDepthAxis: place === 0,
+      depthTicks: ticks,
+      depthRoom: place === 0 ? depthRoom : 0,
       mostMarks: Math.floor(MOST_LEVEL_MARKS / quantities.length),
     });
     drawn.svg.dataset["quantity"] = quantity.key;
@@ -130,7 +132,7 @@ function leastSpan(key: ListKey): number {
 }
 
 /// What of a profile can be laid under a panel: salinities are none under conductivities.
-function underlay({ quantities, values, profile }: Plotted, { key, label }: PlotQuantity): Underlay | null {
+export function underlay({ quantities, values, profile }: Plotted, { key, label }: PlotQuantity): Underlay | null {
   const list = values.get(key);
   if (!list || !quantities.some((each) => each.key === key && each.label === label)) return null;
   return { values: list, depths: profile.lists.svp_Depth };

@@ -234,7 +234,7 @@ export class PlotView {
     const { plotted, panels, overlay, invalid } = this;
     if (!plotted || this.isDue) return;
     overlay.rest(panels, plotted, this.selected, invalid);
-    overlay.point(panels, plotted, this.drag ? null : this.hovered, invalid);
+    overlay.point(panels, plotted, this.under, this.drag ? null : this.hovered, invalid);
   }
 
   private depthOf(level: number): number {
@@ -274,7 +274,7 @@ export class PlotView {
     if (at?.level === this.hovered?.level && at?.panel === this.hovered?.panel) return;
     this.hovered = at;
     const { plotted } = this;
-    if (plotted && !this.drag) this.overlay.point(this.panels, plotted, at, this.invalid);
+    if (plotted && !this.drag) this.overlay.point(this.panels, plotted, this.under, at, this.invalid);
   }
 
   private drawMove({ area, toY, fromX, quantity: { key } }: Panel, x: number): void {

@@ -38,8 +38,10 @@ export interface ProfilePlotOptions {
   /// Size of the drawing in CSS pixels.
   width: number;
   height: number;
-  /// Whether the depth axis has its numbers here; panels beside the first one share them.
-  hasDepthAxis: boolean;
+  /// Numbers of the depth axis, and the room that they and its name take where they are written:
+  /// panels beside the first one share them, and have 0.
+  depthTicks: readonly number[];
+  depthRoom: number;
   /// Up to this many levels in view, each gets its own mark; beyond, marks would only make a band.
   mostMarks: number;
 }
@@ -63,11 +65,25 @@ export interface Area {
 }
 
 /// Room around the data area for the axes, in CSS pixels.
-export const MARGIN = { top: 46, right: 10, bottom: 12, left: 10, leftWithDepths: 56 };
+export const MARGIN = { top: 46, right: 10, bottom: 12, left: 10 };
 
 /// Pixels that a digit takes in an axis, and from one number to the next.
 const DIGIT_PX = 7;
 const TICKS_APART_PX = 60;
+const ROWS_APART_PX = 48;
+
+/// Pixels beside the longest depth for the axis's name and its tick; what short depths take is not
+/// left, so that panels do not jump with every zoom.
+const DEPTH_NAME_PX = 26;
+const LEAST_DEPTH_ROOM = 56;
+
+/// The numbers of a depth axis that is drawn in so many pixels, and the room that it takes.
+export function depthAxis(depths: Span, height: number): { ticks: number[]; room: number } {
+  const count = tickCount(height - MARGIN.top - MARGIN.bottom, ROWS_APART_PX);
+  const ticks = roundValues(depths, count);
+  const longest = Math.max(0, ...ticks.map((tick) => plainNumber(tick).length));
+  return { ticks, room: Math.max(LEAST_DEPTH_ROOM, longest * DIGIT_PX + DEPTH_NAME_PX) };
+}
 
 /// A quantity against depth, depth downward. Levels are circles of class "level-point", invalid
 /// ones crosses of class "level-invalid" besides, or arrows of class "invalid-beyond" at the edge
@@ -75,8 +91,8 @@ const TICKS_APART_PX = 60;
 /// a line of their own and a tint of the depths that they cover; a line laid over has squares. Lines
 /// are thinned to what the pixels can show.
 export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
-  const { values, label, depths, invalid, joined, over, under, view, left, width, height, hasDepthAxis } = options;
-  const marginLeft = hasDepthAxis ? MARGIN.leftWithDepths : MARGIN.left;
+  const { values, label, depths, invalid, joined, over, under, view, left, width, height, depthTicks, depthRoom } = options;
+  const marginLeft = Math.max(depthRoom, MARGIN.left);
   const area = {
     left: left + marginLeft,
     top: MARGIN.top,
@@ -120,7 +136,6 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
   const x = (i: number) => values[i] ?? NaN;
   const y = (i: number) => depths[i] ?? NaN;
   const ticks = ticksAcross(view.across, toX, area);
-  const rows = tickCount(area.bottom - area.top, 48);
   const svg = Plot.plot({
     className: "profile-plot",
     width: Math.max(width, marginLeft + MARGIN.right + 20),
@@ -136,15 +151,15 @@ export function profilePlot(options: ProfilePlotOptions): ProfilePlot {
         className: "joined-zone", x1: low, x2: high, y1: "from", y2: "to", clip: true,
       }),
       Plot.gridX(ticks, { className: "grid", strokeOpacity: 1 }),
-      Plot.gridY({ className: "grid", strokeOpacity: 1, ticks: rows }),
+      Plot.gridY(depthTicks, { className: "grid", strokeOpacity: 1 }),
       Plot.frame({ className: "frame" }),
       Plot.axisX(ticks, {
         className: "axis", anchor: "top", label, labelAnchor: "center", labelArrow: "none", tickFormat: plainNumber,
       }),
-      hasDepthAxis
-        ? Plot.axisY({
+      depthRoom > 0
+        ? Plot.axisY(depthTicks, {
             className: "axis", anchor: "left", label: "Depth (m)", labelAnchor: "center", labelArrow: "none",
-            ticks: rows, tickFormat: plainNumber,
+            tickFormat: plainNumber,
           })
         : null,
       under

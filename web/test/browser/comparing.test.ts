@@ -36,6 +36,15 @@ describe("comparing", () => {
     assert.equal(await page.locator("#cast-title").textContent(), "probe.vp2");
     assert.equal(await page.locator(".tabulator-row.selected").getAttribute("data-level"), "3");
     assert.equal(await page.locator("#messages").isHidden(), true, "nobody opened it");
+    // Pointed at, a level tells what the other has at its depth: 10 m between its levels at 8 and 15 m.
+    const at = await page.locator("[data-quantity=svp_Speed] .level-point").nth(2).boundingBox();
+    assert.ok(at);
+    await page.mouse.move(at.x + at.width / 2, at.y + at.height / 2);
+    await page.locator("#plot .tip-under", { hasText: "yesterday.vp2" }).waitFor();
+    const lines = await page.locator("#plot .tip-under ~ .tip-line b").allTextContents();
+    assert.match(lines[0] ?? "", /^\d{4}\.\d\d m\/s \(\+\d\.\d\d\)$/);
+    assert.equal(lines.length, 3);
+    await page.mouse.move(0, 0);
     // It lies under the line of the open cast: it comes first in the drawing.
     const order = await page.locator("[data-quantity=svp_Speed] :is(.trace, .trace-under)").evaluateAll((all) =>
       all.map((each) => each.getAttribute("class")));
