@@ -46,9 +46,9 @@ TEST(Files, AreServedWithTheirGuards)
     for (const Reply* reply : {&page, &script, &missing}) {
         EXPECT_EQ((*reply)["X-Content-Type-Options"], "nosniff");
         EXPECT_EQ((*reply)["Content-Security-Policy"],
-                  "default-src 'self'; style-src 'self' 'unsafe-inline'; img-src 'self' data:; "
-                  "connect-src 'self'; frame-ancestors 'none'; base-uri 'none'; "
-                  "form-action 'self'");
+                  "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
+                  "connect-src 'self'; base-uri 'none'; form-action 'none'; "
+                  "frame-ancestors 'none'");
         EXPECT_EQ((*reply)["Referrer-Policy"], "no-referrer");
         EXPECT_EQ((*reply)["Cache-Control"], "no-cache");
     }

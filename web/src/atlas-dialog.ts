@@ -9,7 +9,7 @@ import {
   type Quantity,
 } from "./atlas";
 import { ask } from "./dialog";
-import { button, make } from "./dom";
+import { button, make, setDisabled } from "./dom";
 import { formatSize } from "./format";
 import { baseName } from "./profile";
 import type { PickedFile } from "./uploads";
@@ -203,7 +203,7 @@ export class AtlasDialog {
 
   private rest(busy: boolean): void {
     this.dialog.setAttribute("aria-busy", String(busy));
-    this.save.disabled = busy;
+    setDisabled(this.save, busy);
   }
 
   private tell(text: string, isFailure = false): void {

@@ -46,7 +46,11 @@ export class CastView {
   private readonly legend = byId("plot-legend");
   private readonly plot = new PlotView(byId("plot"), {
     select: (level) => void this.select(level),
-    zoomed: (zoomed) => (this.resetZoom.disabled = !zoomed),
+    zoomed: (zoomed) => {
+      // A button that rests must not take the keyboard with it.
+      if (!zoomed && document.activeElement === this.resetZoom) this.plot.focus();
+      this.resetZoom.disabled = !zoomed;
+    },
     summarised: (text) => (byId("plot-summary").textContent = text),
   });
   readonly table: LevelTable;
@@ -149,13 +153,11 @@ export class CastView {
     const { panelChoice, away, quantities } = this;
     const others = quantities.filter(({ key }) => key !== "svp_Speed");
     panelChoice.replaceChildren(...others.map(({ key, name }) => {
-      const label = this.columns.find((column) => column.key === key)?.label ?? name;
-      const toggle = button("panel-toggle", label, () => {
+      const toggle = button("panel-toggle", name, () => {
         if (!away.delete(key)) away.add(key);
         toggle.setAttribute("aria-pressed", String(!away.has(key)));
         if (this.profile) this.plot.update(this.profile, this.columns, ...this.panels);
       });
-      toggle.setAttribute("aria-label", name);
       toggle.setAttribute("aria-pressed", String(!away.has(key)));
       toggle.title = `${name} beside sound speed`;
       return toggle;
@@ -169,7 +171,11 @@ export class CastView {
     if (joined > 0) entries.push({ key: "joined", label: "Joined" });
     if (this.compared) {
       const label = baseName(this.compared.filename);
-      entries.push({ key: "under", label, remove: () => this.compare(null) });
+      const remove = () => {
+        this.compare(null);
+        byId("compare").focus();
+      };
+      entries.push({ key: "under", label, remove });
     }
     this.legend.replaceChildren(legend(entries));
     this.legend.hidden = entries.length < 2;

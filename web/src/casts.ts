@@ -62,7 +62,7 @@ export class CastList {
     place.title = folder;
     this.summary.append(" ", place);
     this.mark(this.current);
-    if (focused !== undefined) this.button(focused)?.focus();
+    if (focused !== undefined) (this.button(focused) ?? this.buttons().find(({ tabIndex }) => tabIndex === 0))?.focus();
   }
 
   /// Names of all casts in the list.

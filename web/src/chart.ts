@@ -38,7 +38,7 @@ export interface Chart {
   fromY(pixel: number): number;
 }
 
-const MARGIN = { top: 46, right: 22, bottom: 12, left: 62 };
+const MARGIN = { top: 46, right: 22, bottom: 12, left: 72 };
 const LEAST = 20;
 
 export function chart({ lines, x, y, width, height, room = 0 }: ChartOptions): Chart {

@@ -16,18 +16,27 @@ export class ComparisonView {
   private readonly readout = make("p", "comparison-readout field-hint");
   private readonly tablePlace = make("div", "comparison-table");
   private shown: Comparison | null = null;
+  /// The cell that the keyboard is at.
+  private at = { row: 0, column: 0 };
 
   constructor(private readonly names: ProfileNames) {
     this.plotPlace.setAttribute("aria-hidden", "true");
     this.tablePlace.tabIndex = 0;
     this.tablePlace.setAttribute("role", "group");
     this.tablePlace.setAttribute("aria-label", "Depth differences of rays, in metres");
-    this.element.append(this.tablePlace, this.readout, this.plotPlace);
+    this.tablePlace.setAttribute("aria-describedby", "comparison-keys");
+    const keys = make("p", "unseen", "The arrow keys go from number to number and tell both depths.");
+    keys.id = "comparison-keys";
+    this.readout.setAttribute("role", "status");
+    this.tablePlace.addEventListener("keydown", (event) => this.key(event));
+    this.tablePlace.addEventListener("blur", () => this.mark(null));
+    this.element.append(keys, this.tablePlace, this.readout, this.plotPlace);
     new ResizeObserver(() => this.draw()).observe(this.plotPlace);
   }
 
   show(comparison: Comparison | null): void {
     this.shown = comparison;
+    this.at = { row: 0, column: 0 };
     this.element.hidden = comparison === null;
     this.tell("");
     this.tablePlace.replaceChildren(...(comparison ? [this.table(comparison)] : []));
@@ -48,13 +57,11 @@ export class ComparisonView {
       const name = make("th", "", `${angle}°`);
       name.scope = "row";
       const line = make("tr", "", name);
-      RANGES.forEach((range, column) => {
+      RANGES.forEach((_, column) => {
         const pair = comparison[row]?.[column] ?? { first: NaN, second: NaN };
         const cell = make("td", "", cellText(pair));
         cell.title = this.pairText(pair);
-        cell.addEventListener("pointerenter", () =>
-          this.tell(`${angle}°, ${formatCount(range)} m: ${this.pairText(pair)}`),
-        );
+        cell.addEventListener("pointerenter", () => this.tell(this.cellTold(row, column)));
         line.append(cell);
       });
       body.append(line);
@@ -63,9 +70,39 @@ export class ComparisonView {
     return make("table", "", caption, make("thead", "", head), body);
   }
 
+  /// Goes on to the number beside, and tells of it.
+  private key(event: KeyboardEvent): void {
+    const step = {
+      ArrowDown: [1, 0], ArrowUp: [-1, 0], ArrowRight: [0, 1], ArrowLeft: [0, -1],
+    }[event.key];
+    if (!step || !this.shown) return;
+    event.preventDefault();
+    const within = (value: number, count: number) => Math.min(Math.max(value, 0), count - 1);
+    const isMarked = this.tablePlace.querySelector("td.at") !== null;
+    const { row, column } = this.at;
+    // The first press goes to where the keyboard was.
+    if (isMarked) {
+      this.at = { row: within(row + (step[0] ?? 0), ANGLES.length), column: within(column + (step[1] ?? 0), RANGES.length) };
+    }
+    this.mark(this.at);
+    this.tell(this.cellTold(this.at.row, this.at.column));
+  }
+
+  private mark(at: { row: number; column: number } | null): void {
+    this.tablePlace.querySelector("td.at")?.classList.remove("at");
+    const cell = at && this.tablePlace.querySelectorAll("tbody tr")[at.row]?.querySelectorAll("td")[at.column];
+    cell?.classList.add("at");
+    cell?.scrollIntoView({ block: "nearest", inline: "nearest" });
+  }
+
+  private cellTold(row: number, column: number): string {
+    const pair = this.shown?.[row]?.[column] ?? { first: NaN, second: NaN };
+    return `${ANGLES[row]}°, ${formatCount(RANGES[column] ?? NaN)} m: ${this.pairText(pair)}`;
+  }
+
   private tell(text: string): void {
     this.readout.textContent =
-      text || "Point at a number to see both depths. “–” stands where a ray does not come.";
+      text || "Point at a number, or go to it with the arrow keys, to see both depths. “–” stands where a ray does not come.";
   }
 
   private pairText({ first, second }: DepthPair): string {

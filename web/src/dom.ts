@@ -37,3 +37,26 @@ export function makeSvg<K extends keyof SVGElementTagNameMap>(
   element.setAttribute("class", className);
   return element;
 }
+
+/// Buttons that had the keyboard when they were disabled.
+const resting = new WeakSet<HTMLButtonElement>();
+
+/// Disables a button while something is under way, or enables it again. The browser takes the keyboard
+/// from a button that is disabled; it gets it back, unless the user has gone elsewhere.
+export function setDisabled(button: HTMLButtonElement, disabled: boolean): void {
+  if (disabled && document.activeElement === button) resting.add(button);
+  button.disabled = disabled;
+  if (disabled || !resting.delete(button)) return;
+  if (isNowhere()) button.focus();
+}
+
+/// Whether the keyboard is at no part of the page, or at one that is not shown any more.
+export function isNowhere(): boolean {
+  const { activeElement: at } = document;
+  return !isShown(at) || at === document.body || at instanceof HTMLDialogElement;
+}
+
+/// Whether an element is on the page, and not hidden.
+export function isShown(element: Element | null): element is HTMLElement {
+  return element instanceof HTMLElement && element.isConnected && element.getClientRects().length > 0;
+}

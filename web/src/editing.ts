@@ -84,7 +84,9 @@ export class Editing {
     const isOpen = open !== null && open.count > 0;
     this.menuButton.disabled = !isOpen;
     byId<HTMLButtonElement>("header-edit").disabled = open === null;
-    this.surfaceButton.hidden = !isOpen || surfaceFault(open) !== "";
+    const lacksSurface = isOpen && surfaceFault(open) === "";
+    if (!lacksSurface && document.activeElement === this.surfaceButton) this.view().focusTable();
+    this.surfaceButton.hidden = !lacksSurface;
     this.plotButton.hidden = !isOpen;
     this.tellFault("");
   }

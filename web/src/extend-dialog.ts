@@ -1,6 +1,6 @@
 /// The dialog in which the user says by what the open cast is continued.
 import { columnsOf, holdsConductivity } from "./columns";
-import { button, make } from "./dom";
+import { button, make, setDisabled } from "./dom";
 import { extendFailedText, isAboutOrder } from "./extend-words";
 import type { ExtendWay, Extender, ExtensionFile } from "./extender";
 import { WATER_RANGES, type Extended } from "./extension";
@@ -230,7 +230,7 @@ export class ExtendDialog {
 
   private rest(busy: boolean): void {
     this.dialog.setAttribute("aria-busy", String(busy));
-    this.confirm.disabled = busy;
+    setDisabled(this.confirm, busy);
   }
 
   private tell(text: string, isFailure = false): void {

@@ -1,6 +1,6 @@
 /// The dialog in which the user keeps the import filters.
 import { ask } from "./dialog";
-import { button, make } from "./dom";
+import { button, isNowhere, make, setDisabled } from "./dom";
 import { guessFilter } from "./filter-guess";
 import { FilterForm } from "./filter-form";
 import { FilterPreview, PreviewFile } from "./filter-preview";
@@ -290,21 +290,23 @@ export class FilterDialog {
       await run();
     } finally {
       this.rest(false);
+      // Where the button that was pressed is not there any more.
+      if (isNowhere()) this.form.focus();
     }
   }
 
   private rest(busy: boolean): void {
     this.busy = busy;
     this.dialog.setAttribute("aria-busy", String(busy));
-    this.saveButton.disabled = busy;
-    this.deleteButton.disabled = busy;
+    setDisabled(this.saveButton, busy);
+    setDisabled(this.deleteButton, busy);
     this.restSide();
   }
 
   /// While a job is at the table, a press in the list beside it would be lost; so it cannot be made.
   private restSide(): void {
     for (const each of this.dialog.querySelectorAll<HTMLButtonElement>(".filter-side button")) {
-      each.disabled = this.busy;
+      setDisabled(each, this.busy);
     }
   }
 
@@ -315,6 +317,7 @@ export class FilterDialog {
 
   private drawList(): void {
     const { filters, faults, failure } = this.listing;
+    const hadFocus = this.list.contains(document.activeElement);
     this.list.replaceChildren(
       ...filters.map((filter) => {
         const entry = button("cast", "", () => void this.leave(() => this.select(filter)));
@@ -332,6 +335,7 @@ export class FilterDialog {
            "Save a filter of the same name or suffix in its place."]
         : []),
     ];
+    if (hadFocus) this.list.querySelector<HTMLElement>("[aria-current]")?.focus();
     this.listNote.textContent = notes.join(" ");
     this.listNote.classList.toggle("field-fault", failure !== "" || faults.length > 0);
     this.deleteButton.hidden = this.edited === null;

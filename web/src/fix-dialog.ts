@@ -1,7 +1,7 @@
 /// The dialog in which the user has the open cast fixed, and sees what came of it.
 import { readAtlas } from "./atlas";
 import { ComparisonView } from "./comparison-view";
-import { button, make } from "./dom";
+import { button, make, setDisabled } from "./dom";
 import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText } from "./fix-words";
 import type { Fixed, FixedFile, Fixer } from "./fixer";
 import { fixedName, fixedProfile, lacksSurface } from "./fixing";
@@ -217,7 +217,7 @@ export class FixDialog {
 
   private rest(busy: boolean): void {
     this.dialog.setAttribute("aria-busy", String(busy));
-    this.confirm.disabled = busy;
+    setDisabled(this.confirm, busy);
   }
 
   private tell(text: string, isFailure = false): void {

@@ -6,6 +6,7 @@ import { make } from "./dom";
 import { ABSENT, formatValue } from "./format";
 import { isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
+import { countRows, makeGrid } from "./table-roles";
 import { leastWidth } from "./table-width";
 
 Tabulator.registerModule([FormatModule, InteractionModule, SelectRowModule]);
@@ -120,6 +121,10 @@ export class LevelTable {
     this.rows = null;
     this.ranged.clear();
     this.built = new Promise<void>((resolve) => table.on("tableBuilt", () => resolve()));
+    void this.built.then(() => {
+      makeGrid(element, "Levels");
+      countRows(element, this.count);
+    });
     table.on("rowClick", (event, row) => {
       this.pick((row.getData() as Row).index, event instanceof MouseEvent && event.shiftKey);
     });
@@ -130,9 +135,6 @@ export class LevelTable {
     });
     // Rows keep their looks while they are scrolled out.
     element.addEventListener("scroll", () => this.anchor !== this.selected && this.paintRows(), true);
-    element.setAttribute("aria-label", "Levels");
-    element.setAttribute("aria-multiselectable", "true");
-    element.setAttribute("aria-rowcount", String(profile.count + 1));
     if (hadFocus) void this.built.then(() => this.focus());
   }
 
@@ -170,7 +172,7 @@ export class LevelTable {
     } else if (!isSameAll) {
       this.selected = this.anchor = -1;
       void this.redraw();
-      this.element?.setAttribute("aria-rowcount", String(profile.count + 1));
+      countRows(this.host, profile.count);
     }
   }
 
@@ -259,10 +261,6 @@ export class LevelTable {
 
   private get holder(): HTMLElement | null {
     return this.host.querySelector<HTMLElement>(".tabulator-tableholder");
-  }
-
-  private get element(): HTMLElement | null {
-    return this.host.querySelector<HTMLElement>(".tabulator");
   }
 
   private textOf(level: number, place: number): string {

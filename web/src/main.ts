@@ -7,7 +7,7 @@ import { CompareDialog } from "./compare-dialog";
 import { ComparedCasts } from "./compared-casts";
 import { Connection } from "./connection";
 import { ask, isAsking } from "./dialog";
-import { byId } from "./dom";
+import { byId, setDisabled } from "./dom";
 import { listenForDrops } from "./drop-zone";
 import { Editing } from "./editing";
 import { Edits, type Place } from "./edits";
@@ -46,7 +46,7 @@ import { Uploads, type PickedFile } from "./uploads";
 const EXPIRE_EVERY_MS = 1000;
 
 const theme = new ThemeSwitch(byId<HTMLButtonElement>("theme"));
-const messages = new Messages(byId("messages"));
+const messages = new Messages(byId("messages"), () => castList.focus());
 const editing: Editing = new Editing((): CastView => castView, {
   changed: change,
   told: (text) => messages.add({ kind: "notice", text }),
@@ -341,7 +341,7 @@ function showWaiting(): void {
   const { opening, checking } = engine;
   document.body.classList.toggle("waiting", opening !== "" || checking);
   byId("plot").setAttribute("aria-busy", String(opening !== ""));
-  checkButton.disabled = checking || !castView.open || castView.open.count === 0;
+  setDisabled(checkButton, checking || !castView.open || castView.open.count === 0);
   checkButton.textContent = checking ? "Checking…" : "Check";
   showUpload();
   byId("doing").textContent = uploads.current

@@ -1,5 +1,5 @@
 /// A button that opens a short menu under itself.
-import { make } from "./dom";
+import { isShown, make } from "./dom";
 
 export interface MenuItem {
   label: string;
@@ -12,7 +12,9 @@ export interface MenuItem {
 
 export class Menu {
   private readonly list = make("div", "menu");
-  private readonly entries: HTMLButtonElement[];
+  private readonly entries: HTMLButtonElement[] = [];
+  /// Where the keyboard was when the menu was opened by a key of the page.
+  private from: HTMLElement | null = null;
 
   /// `opener` stands in the page already; the menu is put behind it.
   constructor(
@@ -27,8 +29,7 @@ export class Menu {
     opener.setAttribute("aria-haspopup", "menu");
     opener.setAttribute("aria-controls", list.id);
     opener.setAttribute("aria-expanded", "false");
-    this.entries = items.map((item) => this.entry(item));
-    list.append(...this.entries);
+    list.append(...items.map((item) => this.entry(item)));
     opener.after(list);
 
     opener.addEventListener("click", () => (this.isOpen ? this.close() : this.open()));
@@ -51,6 +52,8 @@ export class Menu {
   /// Opens the menu with its first entry in focus, unless its button is disabled.
   open(): void {
     if (this.opener.disabled) return;
+    const { activeElement } = document;
+    this.from = activeElement instanceof HTMLElement && activeElement !== document.body ? activeElement : null;
     this.list.hidden = false;
     this.items.forEach(({ isChosen }, i) => {
       if (isChosen) this.entries[i]?.setAttribute("aria-checked", String(isChosen()));
@@ -65,7 +68,8 @@ export class Menu {
 
   private close(): void {
     this.shut();
-    this.opener.focus();
+    if (isShown(this.from)) this.from.focus();
+    else this.opener.focus();
   }
 
   private shut(): void {
@@ -73,22 +77,23 @@ export class Menu {
     this.opener.setAttribute("aria-expanded", "false");
   }
 
-  private entry({ label, detail, run, isChosen }: MenuItem): HTMLButtonElement {
-    const name = make("span", "menu-label", label);
+  private entry({ label, detail, run, isChosen }: MenuItem): HTMLElement {
     const more = make("span", "menu-detail", detail);
-    const entry = make("button", "", name, more);
+    const entry = make("button", "menu-label", label);
     entry.type = "button";
     entry.tabIndex = -1;
     entry.setAttribute("role", isChosen ? "menuitemradio" : "menuitem");
-    // The detail is a description, not a part of the name.
+    // The detail is a description, not a part of the name: the button lies under it.
     more.id = `${this.list.id}-${label.replace(/\W+/g, "-").toLowerCase()}`;
-    entry.setAttribute("aria-label", label);
     entry.setAttribute("aria-describedby", more.id);
     entry.addEventListener("click", () => {
       this.close();
       run();
     });
-    return entry;
+    this.entries.push(entry);
+    const place = make("div", isChosen ? "menu-entry menu-choice" : "menu-entry", entry, more);
+    place.setAttribute("role", "none");
+    return place;
   }
 
   private key(event: KeyboardEvent): void {

@@ -1,5 +1,5 @@
 /// Messages to the user. Each stays in its list until the user dismisses it.
-import { button, make } from "./dom";
+import { button, isNowhere, isShown, make } from "./dom";
 import { formatClock } from "./format";
 
 export type MessageKind = "failure" | "alert" | "notice";
@@ -17,7 +17,7 @@ export interface Message {
 }
 
 interface Entry {
-  item: HTMLLIElement;
+  item: HTMLElement;
   count: number;
 }
 
@@ -32,7 +32,18 @@ export class Messages {
   private readonly list = make("ul", "message-list");
   private readonly dismissAll = button("quiet", "Dismiss all", () => this.clear());
 
-  constructor(private readonly region: HTMLElement) {
+  /// Where the keyboard was before it came to the messages.
+  private from: HTMLElement | null = null;
+
+  /// `left` gives the keyboard a place when the message that it was at is gone, and no other is left.
+  constructor(
+    private readonly region: HTMLElement,
+    private readonly left: () => void = () => undefined,
+  ) {
+    region.addEventListener("focusin", ({ relatedTarget }) => {
+      if (!(relatedTarget instanceof HTMLElement)) this.from = null;
+      else if (!region.contains(relatedTarget)) this.from = relatedTarget;
+    });
     region.append(this.list, this.dismissAll);
     this.update();
   }
@@ -41,18 +52,23 @@ export class Messages {
   add(message: Message): void {
     const key = message.key ?? `${message.kind}:${message.text}`;
     const earlier = this.entries.get(key);
+    const hadFocus = earlier?.item.contains(document.activeElement) ?? false;
     const count = (earlier?.count ?? 0) + 1;
     earlier?.item.remove();
-    const item = this.draw(key, message, count);
+    // An entry of a list cannot at the same time be what is read out; so it holds that.
+    const item = make("li", "", this.draw(key, message, count));
     this.entries.set(key, { item, count });
     this.list.prepend(item);
     this.update();
+    if (hadFocus) item.querySelector<HTMLElement>(".message-dismiss")?.focus();
   }
 
   dismiss(key: string): void {
+    const hadFocus = this.region.contains(document.activeElement);
     this.entries.get(key)?.item.remove();
     this.entries.delete(key);
     this.update();
+    if (hadFocus) this.keepFocus();
   }
 
   /// Puts the keyboard on the first message's dismiss button, if there is one.
@@ -60,12 +76,20 @@ export class Messages {
     this.list.querySelector<HTMLButtonElement>(".message-dismiss")?.focus();
   }
 
+  private keepFocus(): void {
+    if (!isNowhere()) return;
+    const { from } = this;
+    if (this.entries.size > 0) this.focus();
+    else if (isShown(from)) from.focus();
+    else this.left();
+  }
+
   private clear(): void {
     for (const key of [...this.entries.keys()]) this.dismiss(key);
   }
 
-  private draw(key: string, message: Message, count: number): HTMLLIElement {
-    const item = make("li", `message message-${message.kind}`);
+  private draw(key: string, message: Message, count: number): HTMLElement {
+    const item = make("div", `message message-${message.kind}`);
     // Read out at once when something went wrong, and in its turn otherwise.
     item.setAttribute("role", message.kind === "notice" ? "status" : "alert");
     item.append(
@@ -82,10 +106,7 @@ export class Messages {
       });
       item.append(act);
     }
-    const dismiss = button("quiet message-dismiss", "Dismiss", () => {
-      this.dismiss(key);
-      this.focus();
-    });
+    const dismiss = button("quiet message-dismiss", "Dismiss", () => this.dismiss(key));
     dismiss.setAttribute("aria-label", `Dismiss: ${message.text}`);
     item.append(dismiss);
     return item;

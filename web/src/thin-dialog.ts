@@ -1,6 +1,6 @@
 /// The dialog in which the user tries how far the open cast can be thinned, and keeps what is good.
 import { columnsOf, plotQuantities } from "./columns";
-import { button, make } from "./dom";
+import { button, make, setDisabled } from "./dom";
 import { isAboutOrder, notWholeText, previewLines, thinFailedText } from "./extend-words";
 import { legend } from "./legend";
 import { NumberField } from "./number-field";
@@ -227,8 +227,8 @@ export class ThinDialog {
 
   private rest(busy: boolean): void {
     this.dialog.setAttribute("aria-busy", String(busy));
-    this.tryButton.disabled = busy || this.missing !== "";
-    this.keepButton.disabled = busy || this.previewed === null;
+    setDisabled(this.tryButton, busy || this.missing !== "");
+    setDisabled(this.keepButton, busy || this.previewed === null);
   }
 
   private tell(text: string, isFailure = false): void {

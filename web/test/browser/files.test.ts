@@ -159,7 +159,7 @@ describe("files of the user's", () => {
     [
       "deep-cast.ssp",
       ["Depth", "Speed", "Temp.", "Salinity"],
-      { filetime: "2026-11-15 12:34:56 UTC", filelat: "45° 12.500′ N", filelon: "012° 30.250′ W", filetype: "01" },
+      { filetime: "2026-11-15 12:34:56 UTC", filelat: "45° 12.500′ N", filelon: "012° 30.250′ W", filetype: "01 – depth, sound speed, temperature and salinity" },
     ],
     [
       "fjord-winch.valeport",
@@ -174,7 +174,7 @@ describe("files of the user's", () => {
     [
       "shelf-slope.vp2",
       ["Depth", "Speed", "Temp.", "Salinity"],
-      { filetime: "2026-06-18 07:42:10 UTC", filelat: "60° 24.750′ N", filetype: "01" },
+      { filetime: "2026-06-18 07:42:10 UTC", filelat: "60° 24.750′ N", filetype: "01 – depth, sound speed, temperature and salinity" },
     ],
   ];
   test("a cast of each kind is shown with its columns, time, position and comment", async () => {

@@ -120,7 +120,7 @@ describe("editing the header", () => {
     assert.ok(await kind.locator("option[value='03']").isDisabled());
     await kind.selectOption("02");
     await apply(page);
-    assert.equal(await shownField(page, "type"), "02");
+    assert.equal(await shownField(page, "type"), "02 – depth, temperature and salinity; sound speed is computed");
     await goTo(page, 1, "svp_Speed");
     await page.keyboard.press("Enter");
     await page.keyboard.type("1505");

@@ -99,6 +99,11 @@ export class Stage {
     this.watch(page);
     // File choosers are caught while someone listens; one listener that stays spares the switching.
     page.on("filechooser", () => undefined);
+    // The browser reports to the console what the policy refuses, but not all of it in all cases.
+    await page.addInitScript(() =>
+      addEventListener("securitypolicyviolation", ({ effectiveDirective, blockedURI, sample }) =>
+        console.error(`refused by ${effectiveDirective}: ${blockedURI} ${sample}`)),
+    );
     if (first) await page.addInitScript(first);
     await page.goto(this.host.url);
     await ready(page);
@@ -161,6 +166,12 @@ export async function shown(page: Page, name: string): Promise<void> {
 export async function check(page: Page): Promise<void> {
   await page.getByRole("button", { name: "Check", exact: true }).click();
   await page.getByRole("heading", { name: /^Check of/ }).waitFor();
+}
+
+/// Waits until no dialog is open, and what was waiting for its answer has it.
+export async function closed(page: Page): Promise<void> {
+  await page.waitForFunction(() => !document.querySelector("dialog[open]"));
+  await page.evaluate(() => new Promise((done) => requestAnimationFrame(() => setTimeout(done))));
 }
 
 /// Numbers of the levels that the table shows as invalid.
