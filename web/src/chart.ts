@@ -18,8 +18,9 @@ export interface ChartLine {
 export interface ChartOptions {
   lines: readonly ChartLine[];
   x: { label: string; span: Span; isLog?: boolean; ticks?: readonly number[] };
-  /// Of a span whose first number is the larger one, values grow downward.
-  y: { label: string; span: Span };
+  /// Of a span whose first number is the larger one, values grow downward. Numbers of the axis are not
+  /// closer than `finest`.
+  y: { label: string; span: Span; finest?: number };
   /// Size of the drawing in CSS pixels.
   width: number;
   height: number;
@@ -55,7 +56,8 @@ export function chart({ lines, x, y, width, height, room = 0 }: ChartOptions): C
   const [low, high] = x.span.map(inX) as [number, number];
   const ticks = (pixels: number, apart: number) => Math.max(2, Math.round(pixels / apart));
   const across = x.ticks ? { ticks: x.ticks.map(inX) } : { ticks: ticks(area.right - area.left, 90) };
-  const down = { ticks: ticks(area.bottom - area.top, 44) };
+  const finest = y.finest === undefined ? Infinity : Math.floor(Math.abs(y.span[1] - y.span[0]) / y.finest);
+  const down = { ticks: Math.max(1, Math.min(ticks(area.bottom - area.top, 44), finest)) };
   const svg = Plot.plot({
     className: "profile-plot",
     width: area.right + marginRight,
@@ -73,6 +75,7 @@ export function chart({ lines, x, y, width, height, room = 0 }: ChartOptions): C
       Plot.axisX({ className: "axis", anchor: "top", label: x.label, labelAnchor: "center", labelArrow: "none", tickFormat: (value: number) => plainNumber(outX(value)), ...across }),
       Plot.axisY({ className: "axis", anchor: "left", label: y.label, labelAnchor: "center", labelArrow: "none", tickFormat: plainNumber, ...down }),
       ...lines.flatMap((line) => marksOf(line, inX)),
+      ...lines.flatMap((line) => labelOf(line, inX)),
     ],
   }) as SVGSVGElement;
   // The host's content security policy refuses a drawing's own style element.
@@ -86,18 +89,26 @@ export function chart({ lines, x, y, width, height, room = 0 }: ChartOptions): C
   return { svg, area, toX: (value) => toX(inX(value)), toY, fromX: (pixel) => outX(fromX(pixel)), fromY };
 }
 
-function marksOf({ className, points, shade, label, marks }: ChartLine, inX: (value: number) => number): Plot.Markish[] {
+function marksOf({ className, points, shade, marks }: ChartLine, inX: (value: number) => number): Plot.Markish[] {
   // In the order in which they come: a path may turn.
   const drawn = points.map(({ x, y }) => ({ x: inX(x), y }));
   const stroke = shade === undefined ? {} : { stroke: shaded(shade) };
   const fill = shade === undefined ? {} : { fill: shaded(shade) };
-  const last = drawn[drawn.length - 1];
   return [
     Plot.line(drawn, { className: `chart-line ${className}`, x: "x", y: "y", clip: true, strokeWidth: 1.8, ...stroke }),
     ...(marks ? [Plot.dot(drawn, { className: `chart-marks ${className}`, x: "x", y: "y", r: 2.6, ...fill })] : []),
-    ...(label && last
-      ? [Plot.text([last], { className: `chart-label ${className}`, x: "x", y: "y", text: () => label, dx: 6, textAnchor: "start", ...fill })]
-      : []),
+  ];
+}
+
+/// Over all lines, and above the end of its own: others may go on from there.
+function labelOf({ className, points, shade, label }: ChartLine, inX: (value: number) => number): Plot.Markish[] {
+  const last = points[points.length - 1];
+  if (!label || !last) return [];
+  const fill = shade === undefined ? {} : { fill: shaded(shade) };
+  return [
+    Plot.text([{ x: inX(last.x), y: last.y }], {
+      className: `chart-label ${className}`, x: "x", y: "y", text: () => label, dx: 5, dy: -9, textAnchor: "start", ...fill,
+    }),
   ];
 }
 

@@ -1,6 +1,6 @@
 /// How far rays through two profiles lie apart, as a table and a plot of the same numbers.
 import { chart, type Chart, type ChartLine } from "./chart";
-import { ANGLES, RANGES, differenceOf, type Comparison, type DepthPair } from "./comparison";
+import { ANGLES, RANGES, anglesText, differenceOf, type Comparison, type DepthPair } from "./comparison";
 import { make } from "./dom";
 import { ABSENT, formatCount } from "./format";
 
@@ -113,23 +113,22 @@ export class ComparisonView {
     const { plotPlace, shown } = this;
     const { clientWidth: width, clientHeight: height } = plotPlace;
     if (!shown || width === 0 || height === 0) return plotPlace.replaceChildren();
-    const lines = ANGLES.map((angle, row) => ({
+    const lines = ANGLES.map((_, row) => ({
       className: "comparison-line",
       shade: row / (ANGLES.length - 1),
-      label: `${angle}°`,
       marks: true,
       points: RANGES.map((range, column) => ({
         x: range as number,
         y: differenceOf(shown[row]?.[column] ?? { first: NaN, second: NaN }),
       })).filter(({ y }) => !Number.isNaN(y)),
-    })).filter(({ points }) => points.length > 0);
+    }));
     const values = lines.flatMap(({ points }) => points.map(({ y }) => y));
     const low = Math.min(0, ...values);
     const high = Math.max(0, ...values);
     const room = Math.max((high - low) * 0.08, 0.01);
     const options = {
       x: { label: "Horizontal range (m)", span: [8, 12_500] as const, isLog: true, ticks: [10, 50, 200, 1000, 5000, 10_000] },
-      y: { label: "Difference (m)", span: [high + room, low - room] as const },
+      y: { label: "Difference (m)", span: [high + room, low - room] as const, finest: 0.01 },
       width,
       height,
       room: 70,
@@ -140,19 +139,18 @@ export class ComparisonView {
 
 /// The lines with their labels, those together whose ends lie too close for two.
 function labelled(lines: readonly ChartLine[], { toX, toY }: Chart): ChartLine[] {
-  const ends: { x: number; y: number; line: ChartLine }[] = [];
-  return lines.map((line) => {
-    const last = line.points[line.points.length - 1];
-    if (!last) return line;
-    const end = { x: toX(last.x), y: toY(last.y), line: { ...line } };
-    const near = ends.find(({ x, y }) => Math.abs(x - end.x) < LABEL.width && Math.abs(y - end.y) < LABEL.height);
-    if (near) {
-      near.line.label = `${near.line.label} ${line.label}`;
-      delete end.line.label;
-    } else {
-      ends.push(end);
-    }
-    return end.line;
+  const ends: { x: number; y: number; rows: number[] }[] = [];
+  lines.forEach(({ points }, row) => {
+    const last = points[points.length - 1];
+    if (!last) return;
+    const [x, y] = [toX(last.x), toY(last.y)];
+    const near = ends.find((end) => Math.abs(x - end.x) < LABEL.width && Math.abs(y - end.y) < LABEL.height);
+    if (near) near.rows.push(row);
+    else ends.push({ x, y, rows: [row] });
+  });
+  return lines.map((line, row) => {
+    const end = ends.find(({ rows }) => rows[0] === row);
+    return end ? { ...line, label: anglesText(end.rows) } : line;
   });
 }
 

@@ -74,3 +74,12 @@ function depthOf(text: unknown): number | undefined {
   if (text === "nan") return NaN;
   return typeof text === "string" && /^-?\d+\.\d\d$/.test(text) ? Number(text) : undefined;
 }
+
+/// The angles of some rows, ascending, in words: "80° 60°", or "80°–60°" for three or more that follow
+/// upon each other.
+export function anglesText(rows: readonly number[]): string {
+  const [first = 0] = rows;
+  const last = rows[rows.length - 1] ?? first;
+  const isRow = rows.length > 2 && last - first === rows.length - 1;
+  return (isRow ? [first, last] : rows).map((row) => `${ANGLES[row]}°`).join(isRow ? "–" : " ");
+}

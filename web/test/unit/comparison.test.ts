@@ -1,7 +1,7 @@
 /// The comparison that follows a fix.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { ANGLES, RANGES, comparisonOf, differenceOf, isComparison, largestOf } from "../../src/comparison";
+import { ANGLES, RANGES, anglesText, comparisonOf, differenceOf, isComparison, largestOf } from "../../src/comparison";
 import { largestText } from "../../src/fix-words";
 import type { Packet } from "../../src/protocol";
 import { comparisonPacket } from "./comparisons";
@@ -73,4 +73,10 @@ test("no pair that is whole, and no difference, are said as such", () => {
   assert.equal(largestOf(none), null);
   assert.equal(largestText(none, "a", "b"), "None of the rays comes to one of the ranges in both of them.");
   assert.equal(largestText(equal, "a", "b"), "Wherever rays come through both of them, their depths agree to 0.01 m.");
+});
+
+test("angles whose lines end together are named together", () => {
+  for (const [rows, text] of [[[1], "80°"], [[1, 2], "80° 70°"], [[1, 2, 3], "80°–60°"], [[0, 1, 8], "90° 80° 10°"]] as const) {
+    assert.equal(anglesText(rows), text);
+  }
 });
