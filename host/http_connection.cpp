@@ -301,6 +301,8 @@ void HttpConnection::askForBody()
 
 void HttpConnection::readBody()
 {
+    // No read takes more than there is room for, and it begins with that for a header.
+    buffer_.reserve(kReadAhead);
     http::async_read(
         stream_, buffer_, *parser_,
         [self = shared_from_this()](Error error, std::size_t) { self->onBody(error); });

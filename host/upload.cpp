@@ -32,6 +32,8 @@ Upload::Upload(boost::beast::tcp_stream& stream, boost::beast::flat_buffer& buff
 void Upload::receive(Done done)
 {
     done_ = std::move(done);
+    // No read takes more than there is room for, and it begins with that for a header.
+    buffer_.reserve(std::min(piece_.size(), buffer_.max_size()));
     if (!boost::beast::iequals(parser_.get()[http::field::expect], "100-continue"))
         return onDisk([this] { open(); });
     stream_.expires_after(site_.limits.writeTimeout);

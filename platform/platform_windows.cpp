@@ -118,7 +118,16 @@ std::FILE* openStream(const QString& path, const char* mode)
 {
     if (path.isEmpty() || path.contains(QChar(0)) || (QFileInfo::exists(path) && !isFile(path)))
         return nullptr;
-    return _wfopen(plainPath(path).c_str(), wide(QString::fromLatin1(mode)).c_str());
+    std::FILE* const stream =
+        _wfopen(plainPath(path).c_str(), wide(QString::fromLatin1(mode)).c_str());
+    if (stream == nullptr)
+        return nullptr;
+    // A folder that another system lends may hold devices of that system, such as an endless one.
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    if (GetFileType(handle) == FILE_TYPE_DISK)
+        return stream;
+    std::fclose(stream);
+    return nullptr;
 }
 
 bool keepAs(const QString& path, const QString& backup)

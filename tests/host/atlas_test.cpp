@@ -2,6 +2,7 @@
 
 #include "host/atlas_settings.h"
 #include "platform/filelock.h"
+#include "settings/tokenstore.h"
 #include "settings/tokenstore_mirror.h"
 #include "tests/host/client.h"
 #include "tests/host/host_process.h"
@@ -26,6 +27,16 @@ const QByteArray kAtlasText =
 QString mirrorOf(const RunningHost& host)
 {
     return host.scene.dataFolder() + QStringLiteral("/Ardentide/tqrv/QRVTokens.json");
+}
+
+QString lockOf(const RunningHost& host)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(host)
+    return settings::systemTokenPaths().lock; // the same for all hosts
+#else
+    return host.scene.dataFolder() + QStringLiteral("/Ardentide/temp/token.lck");
+#endif
 }
 
 QString folderOf(const RunningHost& host)
@@ -171,7 +182,7 @@ TEST(Atlas, HeldLockIsToldSoonAndKeepsNobodyWaiting)
     settingsOf(host);
     const QByteArray before = readFile(mirrorOf(host));
     platform::FileLock lock;
-    ASSERT_TRUE(lock.open(host.scene.dataFolder() + QStringLiteral("/Ardentide/temp/token.lck")));
+    ASSERT_TRUE(lock.open(lockOf(host)));
     ASSERT_TRUE(lock.tryLock());
 
     RawClient waiting(host.port());

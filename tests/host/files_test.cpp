@@ -116,7 +116,8 @@ TEST_P(OutsidePath, IsNotServed)
     const Reply reply = client.receive();
     EXPECT_TRUE(reply.result_int() == 404 || reply.result_int() == 400) << reply;
     EXPECT_EQ(reply.body().find(kSecret), std::string::npos);
-    EXPECT_EQ(get(host.port(), "/deep/inside.html").body(), "inside");
+    const Reply inside = get(host.port(), "/deep/inside.html");
+    EXPECT_EQ(inside.body(), "inside") << inside;
 }
 
 INSTANTIATE_TEST_SUITE_P(

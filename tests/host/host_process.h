@@ -99,4 +99,9 @@ struct RunningHost
     quint16 port() const { return process.port(); }
 };
 
+/// How a test begins that asks a host to stop.
+#define SVP_NEEDS_ASKING()                                                                         \
+    if (!hosttest::HostProcess::canBeAsked())                                                      \
+    GTEST_SKIP() << "without a console there is no Ctrl+Break, by which Windows asks a program"
+
 } // namespace hosttest

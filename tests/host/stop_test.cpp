@@ -16,11 +16,6 @@ namespace {
 /// Within two seconds, and a little for a machine that is busy with other tests.
 constexpr int kSoonMs = 4000;
 
-/// Each test begins so.
-#define SVP_NEEDS_ASKING()                                                                         \
-    if (!HostProcess::canBeAsked())                                                                \
-    GTEST_SKIP() << "without a console there is no Ctrl+Break, by which Windows asks a program"
-
 /// Has the plug-in busy by the time it returns.
 void beginCall(PageClient& page, int milliseconds)
 {

@@ -2,13 +2,14 @@
 import { createHash, randomBytes } from "node:crypto";
 import { request } from "node:http";
 
-export function fetchText(url) {
+/// Fetches a page; with a body, sends that by PUT.
+export function fetchText(url, body) {
   return new Promise((resolve, reject) => {
-    request(url, (response) => {
+    request(url, { method: body === undefined ? "GET" : "PUT" }, (response) => {
       const parts = [];
       response.on("data", (part) => parts.push(part));
       response.on("end", () => resolve({ status: response.statusCode, body: Buffer.concat(parts).toString("utf8") }));
-    }).on("error", reject).end();
+    }).on("error", reject).end(body);
   });
 }
 
@@ -100,8 +101,14 @@ export class Page {
       name: "SVP_WebInterface",
       data: `page,ACTION=SVP_WebInterface/${action},${body}`,
     })));
+    return this.next(`no answer to ${action}`);
+  }
+
+  /// The next packet that comes after the one that was returned last.
+  next(complaint = "no further packet") {
+    if (this.#packets.length > 0) return Promise.resolve(this.#packets.shift());
     return new Promise((resolve, reject) => {
-      const timer = setTimeout(() => reject(new Error(`no answer to ${action}`)), 20000);
+      const timer = setTimeout(() => reject(new Error(complaint)), 20000);
       this.#waiting.push((packet) => {
         clearTimeout(timer);
         resolve(packet);

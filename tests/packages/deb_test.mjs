@@ -6,7 +6,7 @@ import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdir
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
-import { root, startHost, useEditor } from "./session.mjs";
+import { makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
 
 const system = mkdtempSync(path.join(tmpdir(), "svp-deb-"));
 const state = path.join(system, "var/lib/svp-editor");
@@ -78,12 +78,17 @@ test("its service's program serves a cast from opening to sending", async () => 
   const [program, ...args] = unitLine("ExecStart").split(" ");
   assert.match(unitLine("ExecStart"), /--listen 127\.0\.0\.1:8080$/);
   const user = unitLine("User");
+  const group = unitLine("Group");
+  makeTokenDatabase(path.join(state, "Ardentide/tqrv/tqrv.db"));
+  inside("chown", "-R", `${user}:${group}`, "/var/lib/svp-editor");
   // Any free port, since other programs run on this machine; sample casts to have something to open.
-  const host = await startHost("chroot", [`--userspec=${user}:${unitLine("Group")}`, system, program, ...args,
+  const host = await startHost("chroot", [`--userspec=${user}:${group}`, system, program, ...args,
     "--listen", "127.0.0.1:0", "--samples", "/usr/share/svp-editor/samples"], { env: { PATH: quiet.env.PATH } });
   const ended = new Promise((resolve) => host.process.on("close", resolve));
   try {
-    await useEditor(host.url, path.join(state, "Ardentide/qrvdata/svp_abscoeff"));
+    const profiles = path.join(state, "Ardentide/qrvdata/svp_abscoeff");
+    await useEditor(host.url, profiles);
+    await useAtlas(host.url, profiles);
   } finally {
     host.process.kill("SIGTERM");
   }

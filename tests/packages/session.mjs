@@ -1,8 +1,8 @@
 // What a surveyor does with an installed program: opens a cast, checks it, saves it under another
 // name, and sends it to the survey system, whose place tools/qrv-listen takes.
 import assert from "node:assert/strict";
-import { spawn } from "node:child_process";
-import { readFileSync } from "node:fs";
+import { execFileSync, spawn } from "node:child_process";
+import { mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
 import { Page, fetchText } from "./client.mjs";
@@ -95,6 +95,9 @@ export async function useEditor(url, profiles) {
     const text = readFileSync(path.join(profiles, `${name}.asvp`), "latin1");
     assert.equal(text.replace(/^.*\r\n/, ""),
       rows.map(([depth, speed]) => `${depth.toFixed(2)} ${speed.toFixed(2)}\r\n`).join(""));
+    const reopened = await page.ask("SVP_OpenSVP", `[${name}.asvp,asvp]`);
+    assertSuccess(reopened);
+    assert.deepEqual(reopened.svp_Speed, cast.svp_Speed);
 
     const { listener, datagram } = await listenForDatagram();
     try {
@@ -108,6 +111,65 @@ export async function useEditor(url, profiles) {
     } finally {
       listener.kill();
     }
+  } finally {
+    page.close();
+  }
+}
+
+/// The survey system's database of tokens, with the atlas off and an older file in its settings.
+export function makeTokenDatabase(file) {
+  mkdirSync(path.dirname(file), { recursive: true });
+  execFileSync("sqlite3", [file], { input: `
+    create table token_value (value_id integer, token text, description_id integer);
+    create table float_values (id integer primary key, value real);
+    create table integer_values (id integer primary key, value integer);
+    create table varchar_values (id integer primary key, value varchar(200));
+    create table descriptions (id integer primary key, description text);
+    create table descriptions_language (id integer, language integer, description_id integer);
+    insert into integer_values values (1, 0);
+    insert into varchar_values values (2, '${olderAtlas}');
+    insert into token_value values (1, 'SVP_WOA_EXTEND', 1), (2, 'SVP_WOA_FILE_S', 2);` });
+}
+const olderAtlas = "C:\\alt\\größe 測.csv";
+
+/// Tokens out of the database, files of the atlas and of an extension under names of any letters,
+/// and a cast that is fixed with them. `profiles` is the folder of profiles as this side sees it.
+export async function useAtlas(url, profiles) {
+  const json = (reply) => {
+    assert.equal(reply.status, 200, reply.body);
+    return JSON.parse(reply.body);
+  };
+  const earlier = json(await fetchText(`${url}/api/atlas`));
+  assert.equal(earlier.use, false);
+  assert.equal(earlier.salinity.path, olderAtlas);
+
+  const title = "made up\nDEPTHS (M):0,100,450,1000,5500\n";
+  const salinities = `${title}59.5,10.5,35,35.1,35,34.9,34.7\n`;
+  const upload = async (kind, text) =>
+    json(await fetchText(`${url}/api/atlas/${kind}?name=${encodeURIComponent(`Süd 測深 ${kind}.csv`)}`, text)).path;
+  const salinity = await upload("salinity", salinities);
+  const temperature = await upload("temperature", `${title}59.5,10.5,12,8,6.5,3.5,2\n`);
+  const root = path.dirname(path.dirname(profiles));
+  assert.equal(readFileSync(path.join(root, "qrvdata/woa/Süd 測深 salinity.csv"), "utf8"), salinities);
+  const chosen = json(await fetchText(`${url}/api/atlas`, JSON.stringify({ use: true, salinity, temperature })));
+  assert.deepEqual([chosen.use, chosen.salinity.there, chosen.salinity.fault, chosen.temperature.fault], [true, true, "", ""]);
+  assert.ok(readdirSync(path.join(root, "tqrv")).includes("QRVTokens.json"));
+
+  writeFileSync(path.join(profiles, "tief Süd 測深.txt"), "//\r\n500 1480\r\n12000 1600\r\n");
+  const page = await Page.open(url);
+  try {
+    const extended = await page.ask("ExtendWithFile", "[1500,1490*0,100*tief Süd 測深.txt]");
+    assertSuccess(extended);
+    assert.deepEqual([extended.svpY, extended.svpX], [[0, 100, 500, 12000], [1500, 1490, 1480, 1600]]);
+
+    const fixed = await page.ask("FixProfile",
+      "[1501,1499,1498,1496,1490,1480;0,50,60,70,100,400*Süd 測深.asvp*SoundVelocity*1.0*0*20261115123456*59.5*10.25*0*0*0*sample*NA*6*NA*0.01]");
+    assertSuccess(fixed);
+    assert.equal(fixed.file, "Süd 測深_fixed.asvp");
+    await page.next(); // how it compares with the cast as it was
+    const row = readFileSync(path.join(profiles, fixed.file), "latin1").split("\r\n").find((line) => line.startsWith("450.00 "));
+    // The equation of Leroy and others in depth, which holds within 0.2 m/s, gives 1483.95.
+    assert.ok(Math.abs(Number(row.split(" ")[1]) - 1483.95) < 0.2, row);
   } finally {
     page.close();
   }

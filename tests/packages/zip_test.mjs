@@ -7,7 +7,7 @@ import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
 import { fetchText } from "./client.mjs";
-import { root, startHost, useEditor } from "./session.mjs";
+import { makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
 
 const folder = mkdtempSync(path.join(tmpdir(), "svp-zip-"));
 const packages = path.join(root, "build/packages");
@@ -60,21 +60,32 @@ test("the terms of what is passed on are there", () => {
   assert.match(readFileSync(path.join(unpacked, "README.txt"), "utf8"), /svp-host\.exe/);
 });
 
-test("the host starts where it was unpacked and serves a cast from opening to sending", async () => {
-  const data = path.join(folder, "Daten Süd 測深 & more");
-  const host = await startHost(wine,
-    ["svp-host.exe", "--data", windowsPath(data), "--samples", "samples", "--listen", "127.0.0.1:0"], bare);
-  try {
-    const profiles = path.join(data, "Ardentide/qrvdata/svp_abscoeff");
-    await useEditor(host.url, profiles);
-    const settings = readFileSync(path.join(data, "Ardentide/tqrv/SVPEditor.ini"), "latin1");
-    assert.match(settings, /\r\n\[iniVer\]\r\nSVPEditorVersion=8\r\n/);
-    assert.ok(existsSync(path.join(profiles, "SVPExtension.txt")));
-  } finally {
-    host.process.removeAllListeners("exit");
-    host.process.kill();
-  }
-});
+const deep = ["Süd 測深", ..."abcdefgh"].map((letter) => letter.repeat(letter.length > 1 ? 1 : 40)).join("/");
+
+for (const [what, place] of [["of any letters", "Daten Süd 測深 & more"], ["of more than 260 letters", deep]]) {
+  test(`the host starts where it was unpacked and serves a cast from opening to sending: data root ${what}`, async () => {
+    const data = path.join(folder, place);
+    // What of the survey system has its fixed place on the drive C.
+    const drive = path.join(process.env.SVP_WINE ?? path.join(root, "build/windows/wine"), "prefix/drive_c");
+    const database = path.join(drive, "ProgramData/Ardentide/tqrv/tqrv.db");
+    rmSync(database, { force: true });
+    makeTokenDatabase(database);
+    const host = await startHost(wine,
+      ["svp-host.exe", "--data", windowsPath(data), "--samples", "samples", "--listen", "127.0.0.1:0"], bare);
+    try {
+      const profiles = path.join(data, "Ardentide/qrvdata/svp_abscoeff");
+      await useEditor(host.url, profiles);
+      await useAtlas(host.url, profiles);
+      const settings = readFileSync(path.join(data, "Ardentide/tqrv/SVPEditor.ini"), "latin1");
+      assert.match(settings, /\r\n\[iniVer\]\r\nSVPEditorVersion=8\r\n/);
+      assert.ok(existsSync(path.join(profiles, "SVPExtension.txt")));
+    } finally {
+      host.process.removeAllListeners("exit");
+      host.process.kill();
+      rmSync(database);
+    }
+  });
+}
 
 test("Ctrl+C in its window stops the host", async () => {
   // script(1) is the window; it takes what is typed from its input.

@@ -286,6 +286,12 @@ TEST(ExtendWithFileAction, FindsTheFileByItsPath)
     EXPECT_EQ(secondRow(engine.folder.path(QStringLiteral("tqrv/rows.txt"))), 500.0F);
     EXPECT_EQ(secondRow(QStringLiteral("sub/öst 東.txt")), 600.0F);
     EXPECT_EQ(secondRow(QStringLiteral("sub\\öst 東.txt")), 600.0F);
+    QString deep = QStringLiteral("tief 深");
+    for (int i = 0; i < 8; ++i)
+        deep += QLatin1Char('/') + QString(40, QLatin1Char(char('a' + i)));
+    engine.folder.writeProfile(deep + QStringLiteral("/öst.txt"), "//\n700 1480\n12000 1600\n");
+    EXPECT_EQ(secondRow(deep + QStringLiteral("/öst.txt")), 700.0F);
+    EXPECT_EQ(secondRow(engine.folder.profile(deep) + QStringLiteral("/öst.txt")), 700.0F);
     for (const QString& path :
          {QStringLiteral("../../tqrv/rows.txt"), QStringLiteral("none.txt"), QStringLiteral("sub"),
           QStringLiteral("/dev/zero"), engine.folder.path(QString()), QStringLiteral("/"),

@@ -51,6 +51,24 @@ TEST(SaveAction, ADatagramIsWrittenByteForByte)
     EXPECT_EQ(bytes.mid(bytes.indexOf('*')), QString::asprintf("*%02X\\\r\n", sum).toLatin1());
 }
 
+TEST(SaveAction, ADataRootMayBeLong)
+{
+    QString deep = QStringLiteral("Daten für 測深 & Ω");
+    for (int i = 0; i < 8; ++i)
+        deep += QLatin1Char('/') + QString(40, QLatin1Char(char('a' + i)));
+    Engine engine(deep);
+    EXPECT_TRUE(QFile::exists(engine.folder.path(QStringLiteral("tqrv/SVPEditor.ini"))));
+    EXPECT_TRUE(QFile::exists(engine.folder.profile(QStringLiteral("SVPExtension.txt"))));
+    EXPECT_EQ(savedName(engine, save, requests::datagramSave()),
+              engine.folder.profile(QStringLiteral("cast.ssp")));
+    EXPECT_EQ(savedName(engine, saveAs, requests::asvpSave()),
+              engine.folder.profile(QStringLiteral("cast.asvp")));
+    for (const char* file : {"[cast.ssp,ssp]", "[cast.asvp,asvp]"})
+        EXPECT_EQ(outcome(engine.request(QStringLiteral("SVP_OpenSVP"), QLatin1String(file))),
+                  QLatin1String("SUCCESS"))
+            << file;
+}
+
 TEST(SaveAction, InstrumentNamesBecomeSsp)
 {
     Engine engine(QStringLiteral("in.vp2 folder"));

@@ -13,6 +13,9 @@
 #ifdef __unix__
 #include <sys/stat.h>
 #endif
+#ifdef Q_OS_WIN
+#include "tests/support/heldfile.h"
+#endif
 
 using namespace processing;
 using Read = WorldOceanAtlas::Read;
@@ -244,6 +247,49 @@ TEST_F(AtlasFiles, AFileThatCannotBeReadLeavesNothingBehind)
     EXPECT_EQ(read(), Read::NotRead);
     EXPECT_EQ(generate(59.5, 10.5), QString());
 }
+
+TEST_F(AtlasFiles, NamesMayHaveAnyLettersAndBeLong)
+{
+    QString deep = folder.filePath(QStringLiteral("Süd 測深 Ω"));
+    for (int i = 0; i < 8; ++i)
+        deep += QLatin1Char('/') + QString(40, QLatin1Char(char('a' + i)));
+    for (const QString& place :
+         {folder.filePath(QStringLiteral("Daten für Süd, 測深 & Ω")), deep}) {
+        const QString salinity = place + QStringLiteral("/größe s 測.csv");
+        const QString temperature = place + QStringLiteral("/größe t 測.csv");
+        writeBytes(salinity, bytesOf(path("s.csv")));
+        writeBytes(temperature, bytesOf(path("t.csv")));
+        WorldOceanAtlas fresh;
+        EXPECT_EQ(fresh.read(salinity, temperature), Read::Both) << qPrintable(place);
+        EXPECT_EQ(fresh.woaProfile(59.5, 10.5).depths.size(), 4);
+        const QString out = place + QStringLiteral("/ausgäng 深");
+        const QString written =
+            fnGeneratWOAExtFile(fresh, 59.5, 10.5, salinity, temperature, deepRows, out);
+        EXPECT_EQ(written, out + QStringLiteral("/WOASVPExtension.txt"));
+        EXPECT_EQ(parseExtensionRows(bytesOf(written)).depths.size(), 4) << qPrintable(place);
+    }
+}
+
+#ifdef Q_OS_WIN
+TEST_F(AtlasFiles, AnExtensionFileThatIsHeldStaysAsItIs)
+{
+    const QString written = generate(59.5, 10.5);
+    const QByteArray before = bytesOf(written);
+    ASSERT_FALSE(before.isEmpty());
+    {
+        const HeldFile held(written);
+        const HeldFile heldSalinity(path("s.csv"));
+        ASSERT_TRUE(held.isHeld() && heldSalinity.isHeld());
+        EXPECT_EQ(generate(-0.5, -0.5), QString());
+        EXPECT_EQ(bytesOf(written), before);
+        EXPECT_EQ(QDir(path("out")).entryList(QDir::Files).size(), 1);
+        // What others hold can be read.
+        EXPECT_EQ(WorldOceanAtlas().read(path("s.csv"), path("t.csv")), Read::Both);
+    }
+    EXPECT_EQ(generate(-0.5, -0.5), written);
+    EXPECT_NE(bytesOf(written), before);
+}
+#endif
 
 TEST_F(AtlasFiles, OnlyFilesAreOpened)
 {

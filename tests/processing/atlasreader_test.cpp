@@ -1,4 +1,5 @@
 #include "processing/atlas.h"
+#include "tests/support/textstream.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +9,8 @@
 
 #ifdef __linux__
 #include <fstream>
-#if defined(__linux__)
+#include <memory>
 #include <unistd.h>
-#endif
 #endif
 
 using namespace processing;
@@ -24,11 +24,8 @@ struct Reading
 {
     explicit Reading(const std::string& text)
     {
-        std::FILE* const stream = std::tmpfile();
-        std::fwrite(text.data(), 1, text.size(), stream);
-        std::rewind(stream);
-        isRead = WorldOceanAtlas::fnReadWOAFile(stream, levels, grid);
-        std::fclose(stream);
+        const TextStream stream(text);
+        isRead = WorldOceanAtlas::fnReadWOAFile(stream.get(), levels, grid);
     }
 
     double at(double latitude, double longitude, int level = 0) const
@@ -103,7 +100,7 @@ TEST(AtlasGrid, HoldsNoDataUntilItIsWritten)
     EXPECT_EQ(grid.value(179, 359, 109), none);
 }
 
-#if defined(__linux__)
+#ifdef __linux__
 // A host that never uses the atlas must not pay 114 MB for it.
 TEST(AtlasGrid, CostsNoMemoryUntilAFileIsRead)
 {
@@ -277,11 +274,8 @@ TEST(ReadAtlasFile, AnyLineEndWillDo)
 TEST(ReadAtlasFile, ASecondReadingForgetsTheFirst)
 {
     Reading reading(head + "59.5,10.5,35.1,35.2\n");
-    std::FILE* const stream = std::tmpfile();
-    std::fputs("t\na:7\n59.5,10.5,36\n", stream);
-    std::rewind(stream);
-    EXPECT_TRUE(WorldOceanAtlas::fnReadWOAFile(stream, reading.levels, reading.grid));
-    std::fclose(stream);
+    const TextStream stream("t\na:7\n59.5,10.5,36\n");
+    EXPECT_TRUE(WorldOceanAtlas::fnReadWOAFile(stream.get(), reading.levels, reading.grid));
     EXPECT_EQ(reading.levels, (AtlasLevels{{0, 7}}));
     EXPECT_EQ(reading.at(59.5, 10.5, 0), 36.0);
     EXPECT_EQ(reading.at(59.5, 10.5, 1), none);

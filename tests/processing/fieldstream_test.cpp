@@ -1,4 +1,5 @@
 #include "processing/fieldstream.h"
+#include "tests/support/textstream.h"
 
 #include <gtest/gtest.h>
 
@@ -8,28 +9,16 @@
 #include <string>
 #include <vector>
 
+#ifdef Q_OS_WIN
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#endif
+
 using processing::FieldStream;
 using End = FieldStream::End;
 
 namespace {
-
-class TextStream
-{
-  public:
-    explicit TextStream(const std::string& text) : m_stream(std::tmpfile())
-    {
-        std::fwrite(text.data(), 1, text.size(), m_stream);
-        std::rewind(m_stream);
-    }
-    ~TextStream() { std::fclose(m_stream); }
-    TextStream(const TextStream&) = delete;
-    TextStream& operator=(const TextStream&) = delete;
-
-    std::FILE* get() const { return m_stream; }
-
-  private:
-    std::FILE* m_stream;
-};
 
 // All fields, "," behind each that ends with a comma and "|" behind each that ends a line.
 std::string fieldsOf(const std::string& text, std::size_t skippedLines = 0)
@@ -196,9 +185,17 @@ TEST(FieldStream, SkipsBehindAMarkOfTheLine)
 
 TEST(FieldStream, TellsOfAStreamThatFails)
 {
-    std::FILE* const stream = std::fopen("/dev/null", "wb");
-    if (stream == nullptr)
-        GTEST_SKIP() << "needs a stream that cannot be read";
+    // It may be written and is to be read.
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("text"));
+#ifdef Q_OS_WIN
+    const int file =
+        _wopen(path.toStdWString().c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, _S_IWRITE);
+    std::FILE* const stream = _fdopen(file, "rb");
+#else
+    std::FILE* const stream = platform::openStream(path, "wb");
+#endif
+    ASSERT_NE(stream, nullptr);
     FieldStream fields(stream);
     EXPECT_TRUE(fields.isAtEnd());
     EXPECT_TRUE(fields.hasFailed());

@@ -6,6 +6,10 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#ifdef Q_OS_WIN
+#include "tests/support/heldfile.h"
+#endif
+
 using settings::TokenStatus;
 using settings::TokenStore;
 
@@ -148,6 +152,27 @@ TEST_F(TokenStoreTest, AMirrorThatCannotBeReplacedStays)
     EXPECT_EQ(mirror(), before);
     EXPECT_FALSE(narrow.tokens().contains(QStringLiteral("B")));
 }
+
+#ifdef Q_OS_WIN
+TEST_F(TokenStoreTest, AMirrorThatIsHeldStaysAndCanBeRead)
+{
+    writeMirror(mirrorText(R"({"Name":"A","Type":1,"Value":1})"));
+    const QByteArray before = mirror();
+    {
+        const HeldFile held(paths.mirror);
+        ASSERT_TRUE(held.isHeld());
+        EXPECT_FALSE(store.addInteger(QStringLiteral("B"), QString(), 2));
+        EXPECT_TRUE(testlog::hasLine(QStringLiteral("Couldn't open save file.")));
+        EXPECT_EQ(mirror(), before);
+        EXPECT_EQ(QDir(QFileInfo(paths.mirror).path()).entryList(QDir::Files).size(), 1);
+        qint64 number = 0;
+        EXPECT_EQ(store.integerValue(QStringLiteral("A"), number), TokenStatus::Found);
+        EXPECT_EQ(number, 1);
+    }
+    EXPECT_TRUE(store.addInteger(QStringLiteral("B"), QString(), 2));
+    EXPECT_NE(mirror(), before);
+}
+#endif
 
 TEST_F(TokenStoreTest, ALinkToTheMirrorIsFollowed)
 {

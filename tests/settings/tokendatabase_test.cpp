@@ -231,6 +231,24 @@ TEST_F(TokenStoreTest, ADatabaseWithoutTablesHasNoTokens)
     EXPECT_TRUE(store.addInteger(QStringLiteral("A"), QString(), 1));
 }
 
+TEST_F(TokenStoreTest, ADatabaseMayHaveAnyNameAndALongOne)
+{
+    QString deep = folder.path(QStringLiteral("Süd 測深"));
+    for (int i = 0; i < 8; ++i)
+        deep += QLatin1Char('/') + QString(40, QLatin1Char(char('a' + i)));
+    for (const QString& place : {folder.path(QStringLiteral("Daten für Süd & 測深 Ω")), deep}) {
+        makeDatabase(paths.database, tables + rows);
+        const QString path = place + QStringLiteral("/größe 測.sqlite");
+        QDir().mkpath(place);
+        ASSERT_TRUE(QFile::rename(paths.database, path)) << qPrintable(place);
+        TokenMap tokens;
+        QString error;
+        EXPECT_EQ(settings::readTokenDatabase(path, tokens, error), DatabaseRead::Whole)
+            << qPrintable(place + QLatin1Char(' ') + error);
+        EXPECT_EQ(tokens.size(), 3);
+    }
+}
+
 TEST_F(TokenStoreTest, AMirrorThatAppearsWhileTheDatabaseIsReadStays)
 {
     makeDatabase(paths.database, tables + rows);

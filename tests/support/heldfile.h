@@ -1,25 +1,33 @@
 #pragma once
 
-#include <QDir>
+#include <QProcess>
 #include <QString>
-#include <qt_windows.h>
 
 /// A file that another program has open without letting anybody replace or write it, as many
-/// Windows programs do. Windows asks for each open handle, not for each program.
+/// Windows programs do, until the object goes.
 class HeldFile
 {
   public:
     explicit HeldFile(const QString& path)
-        : m_handle(CreateFileW(QDir::toNativeSeparators(path).toStdWString().c_str(), GENERIC_READ,
-                               FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr))
     {
+        m_program.start(QStringLiteral(SVP_HOLD_FILE), {path});
+        while (!m_program.canReadLine() && m_program.waitForReadyRead(timeLimit)) {
+        }
+        m_isHeld = m_program.readLine().trimmed() == "held";
     }
-    ~HeldFile() { CloseHandle(m_handle); }
+    ~HeldFile()
+    {
+        m_program.closeWriteChannel();
+        if (!m_program.waitForFinished(timeLimit))
+            m_program.kill();
+    }
     Q_DISABLE_COPY(HeldFile)
 
     /// Whether the file could be opened.
-    bool isHeld() const { return m_handle != INVALID_HANDLE_VALUE; }
+    bool isHeld() const { return m_isHeld; }
 
   private:
-    HANDLE m_handle;
+    static constexpr int timeLimit = 60000; // ms
+    QProcess m_program;
+    bool m_isHeld = false;
 };
