@@ -7,6 +7,7 @@ import { headerRows } from "./header-fields";
 import { legend, type LegendEntry } from "./legend";
 import { LevelTable, type TableEvents } from "./level-table";
 import { PlotView, type PlotEdits } from "./plot-view";
+import { offerPositionForm } from "./position-form";
 import { baseName, isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
 import { rehearse } from "./rehearsal";
@@ -66,6 +67,7 @@ export class CastView {
     this.fitValid.addEventListener("click", () => this.plot.fitValid());
     this.nextInvalid.addEventListener("click", () => this.selectNextInvalid());
     rehearse();
+    offerPositionForm(byId<HTMLSelectElement>("position-form"), () => this.profile && this.showHeader(this.profile));
   }
 
   /// What is on the page, or null while there is no cast.
@@ -263,7 +265,7 @@ export class CastView {
 
   private showHeader(profile: Profile): void {
     byId("header").replaceChildren(
-      ...headerRows(profile.header).flatMap(({ key, label, value, raw }) => {
+      ...headerRows(profile.header, profile).flatMap(({ key, label, value, raw }) => {
         const field = make("dd", value ? "" : "not-given", value || "not given");
         field.dataset["key"] = key;
         if (raw) field.title = `In the file: ${raw}`;

@@ -3,7 +3,7 @@ import { holdsConductivity, holdsPressures, type Column } from "./columns";
 import { formatCount } from "./format";
 import { isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
-import { typedNumber } from "./typed-number";
+import { noNumberText, typedNumber } from "./typed-number";
 
 interface Kind {
   name: string;
@@ -40,7 +40,7 @@ export function typedValue(profile: Profile, key: ListKey, text: string): { valu
   const { name, unit, from, to } = kindOf(profile, key);
   if (text.trim() === "") return { fault: `A level needs a ${name}. To take the level out, press Escape, then Delete.` };
   const value = typedNumber(text);
-  if (value === null) return { fault: `“${text.trim()}” is no number.` };
+  if (value === null) return { fault: noNumberText(text) };
   if (value >= from && value <= to) return { value };
   return { fault: `The ${name} must lie from ${bound(from)} to ${bound(to)}${unit && ` ${unit}`}.` };
 }

@@ -7,6 +7,10 @@ export interface Field {
   value: string;
   /// Said under the field.
   hint?: string;
+  /// The form of a value, shown while there is none.
+  placeholder?: string;
+  /// A value that a button fills in, and what that says.
+  offer?: { label: string; value: string };
   /// What is wrong with a value, as a sentence; "" when nothing is.
   fault(value: string): string;
   /// Number of characters from the start that are selected at first; all of them without it.
@@ -18,9 +22,19 @@ export interface Question {
   /// One paragraph each.
   text: readonly string[];
   fields?: readonly Field[];
-  /// Label of the button that says yes.
-  confirm: string;
+  /// Label of the button that says yes; absent where there is nothing to agree to.
+  confirm?: string;
+  /// Other things to agree to, each with a button of its own.
+  others?: readonly Choice[];
 }
+
+export interface Choice {
+  key: string;
+  label: string;
+}
+
+/// Key under which an answer holds that of the other choice that was taken.
+export const CHOSEN = "chosen";
 
 export type Answer = Readonly<Record<string, string>>;
 
@@ -35,11 +49,19 @@ export function ask(question: Question): Promise<Answer | null> {
   dialog.setAttribute("aria-describedby", text.id);
 
   const inputs = (question.fields ?? []).map((field) => new Input(field));
-  const confirm = make("button", "primary", question.confirm);
-  confirm.type = "submit";
-  const cancel = button("", "Cancel", () => dialog.close());
+  let chosen = "";
+  const others = (question.others ?? []).map(({ key, label }) =>
+    // No submit buttons: Enter in a field means the one that confirms.
+    button("", label, () => {
+      chosen = key;
+      form.requestSubmit();
+    }),
+  );
+  const confirms = question.confirm === undefined ? [] : [make("button", "primary", question.confirm)];
+  for (const confirm of confirms) confirm.type = "submit";
+  const cancel = button("", others.length + confirms.length > 0 ? "Cancel" : "Close", () => dialog.close());
   const form = make("form", "", title, text, ...inputs.flatMap(({ parts }) => parts),
-    make("div", "question-buttons", cancel, confirm));
+    make("div", "question-buttons", cancel, ...others, ...confirms));
   form.method = "dialog";
   form.noValidate = true;
   dialog.append(form);
@@ -51,9 +73,11 @@ export function ask(question: Question): Promise<Answer | null> {
       const wrong = inputs.filter((input) => !input.accepts());
       if (wrong[0]) {
         event.preventDefault();
+        chosen = "";
         wrong[0].focus();
       } else {
         answer = Object.fromEntries(inputs.map(({ key, value }) => [key, value]));
+        if (chosen) answer = { ...answer, [CHOSEN]: chosen };
       }
     });
     dialog.addEventListener("close", () => {
@@ -83,8 +107,17 @@ class Input {
     input.value = field.value;
     input.autocomplete = "off";
     input.spellcheck = false;
+    if (field.placeholder) input.placeholder = field.placeholder;
     const label = make("label", "", field.label);
     label.htmlFor = input.id;
+    const { offer } = field;
+    const offers = offer
+      ? [button("offer", offer.label, () => {
+          input.value = offer.value;
+          this.tell("");
+          this.focus();
+        })]
+      : [];
     const hint = make("p", "field-hint", field.hint ?? "");
     hint.id = `${input.id}-hint`;
     hint.hidden = !field.hint;
@@ -93,7 +126,7 @@ class Input {
     fault.hidden = true;
     input.setAttribute("aria-describedby", `${hint.id} ${fault.id}`);
     input.addEventListener("input", () => this.tell(""));
-    this.parts = [label, input, hint, fault];
+    this.parts = [label, input, ...offers, hint, fault];
   }
 
   get key(): string {

@@ -18,6 +18,7 @@ import { levelCount } from "./outbox-words";
 import type { PlotEdits } from "./plot-view";
 import { withEdited, type Profile } from "./profile";
 import type { HeaderKey, ListKey } from "./protocol";
+import { aheadText } from "./stated";
 
 export interface EditingEvents {
   /// The cast is another one now, at a level or in its header ("here"). `isOnly` when no other level
@@ -29,7 +30,10 @@ export interface EditingEvents {
 export class Editing {
   private readonly insertDialog = new InsertDialog((level) => this.insertTyped(level));
   private readonly headerDialog = new HeaderDialog((before, after) => {
-    if (after !== before && before === this.open) this.events.changed("Undo header", after, "here", false);
+    if (after === before || before !== this.open) return;
+    this.events.changed("Undo header", after, "here", false);
+    const ahead = before.header.hsvp_filetime === after.header.hsvp_filetime ? "" : aheadText(after);
+    if (ahead) this.events.told(ahead);
   });
   private readonly menuButton = byId<HTMLButtonElement>("edit");
   private readonly surfaceButton = byId<HTMLButtonElement>("add-surface");

@@ -72,6 +72,11 @@ export class Edits<Verdict> {
     this.held = profile;
   }
 
+  /// A file of this name was written, and holds what was no state of this cast.
+  overwritten(name: string): void {
+    this.files.delete(baseName(name));
+  }
+
   /// Whether no file holds this profile.
   isUnsaved(profile: Profile): boolean {
     return ![...this.files.values()].includes(this.revisionOf(profile));

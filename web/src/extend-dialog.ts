@@ -7,7 +7,7 @@ import { WATER_RANGES, type Extended } from "./extension";
 import { extensionFacts, extensionRows } from "./extension-file";
 import { formatCount, formatSize, formatValue } from "./format";
 import { NumberField } from "./number-field";
-import { statedIn } from "./occasion";
+import { statedIn } from "./stated";
 import { isJoined, type Profile } from "./profile";
 import { rangeFault } from "./typed-number";
 import type { PickedFile } from "./uploads";

@@ -162,7 +162,7 @@ function otherReason(reason: string, again: string): string {
     case "There is no connection to the host.":
       return `${reason} Wait until the page is connected; then ${again} again.`;
     default:
-      return reason;
+      return `${reason} Try to ${again} it once more; if that fails too, look into the host’s log.`.trim();
   }
 }
 

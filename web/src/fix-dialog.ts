@@ -2,27 +2,31 @@
 import { readAtlas } from "./atlas";
 import { ComparisonView } from "./comparison-view";
 import { button, make, setDisabled } from "./dom";
-import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText } from "./fix-words";
+import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText, unreadableText } from "./fix-words";
 import type { Fixed, FixedFile, Fixer } from "./fixer";
 import { fixedName, fixedProfile, lacksSurface } from "./fixing";
 import { withSurface } from "./level-edits";
 import { NumberField } from "./number-field";
+import { occasionIn } from "./occasion";
 import type { Profile } from "./profile";
-import type { Occasion } from "./protocol-output";
-import { PROPOSED_TOLERANCE, TOLERANCES } from "./thinning";
+import { PROPOSED_TOLERANCE, TOLERANCES, underKindOf } from "./thinning";
 import { rangeFault } from "./typed-number";
 import { mayReplace } from "./replacing";
 
 export interface FixDialogEvents {
   /// A fixed profile was written, and read back.
   fixed(before: Profile, after: Profile, file: FixedFile): void;
-  /// A file was written, but its profile is not at hand: why, or "" where a failure had been told.
-  written(before: Profile, file: FixedFile, reason: string): void;
+  /// A file was written although a failure had been told.
+  written(before: Profile, file: FixedFile): void;
+  /// A file was written and cannot be read, which the dialog was left too early to say itself.
+  unreadable(text: string): void;
   /// A level at the surface was put in front of what a fix had made.
   surfaced(before: Profile, after: Profile): void;
-  /// Time and place of a profile, asked for where it does not state them; null when the user does
+  /// The profile with time and place, asked for where it does not state them; null when the user does
   /// not state them either.
-  occasion(profile: Profile): Promise<Occasion | null>;
+  stated(profile: Profile): Promise<Profile | null>;
+  /// The profile under a kind whose rows it has the values for; null when the user wants none.
+  writable(profile: Profile): Promise<Profile | null>;
   /// The name in the profile folder of a file that `name` would replace, or "".
   listed(name: string): Promise<string>;
   atlas(): void;
@@ -137,29 +141,40 @@ export class FixDialog {
   }
 
   private async fix(): Promise<void> {
-    const { profile } = this;
-    if (!profile || this.after || this.confirm.disabled) return;
+    const { profile: open } = this;
+    if (!open || this.after || this.confirm.disabled) return;
     const tolerance = this.tolerance.take();
     if (tolerance === null) return this.tolerance.focus();
-    const name = fixedName(profile);
-    const older = await this.events.listed(name);
+    const kinded = await this.events.writable(open);
+    if (!kinded || open !== this.profile) return;
+    const older = await this.events.listed(fixedName(kinded));
     if (older && !(await mayReplace(older))) return;
-    const occasion = await this.events.occasion(profile);
-    if (!occasion || profile !== this.profile) return;
+    const profile = await this.events.stated(open);
+    if (!profile || open !== this.profile) return;
+    // What was stated is part of the cast now, whatever comes of the fix.
+    this.profile = profile;
+    const sent = underKindOf(profile, kinded);
     const turn = ++this.turn;
     this.rest(true);
     this.tell("Fixing…");
-    const outcome = await this.fixer.fix(profile, tolerance, occasion, (file) => this.events.written(profile, file, ""));
+    const outcome = await this.fixer.fix(sent, tolerance, occasionIn(sent), (file) => this.events.written(profile, file));
     const isLeft = turn !== this.turn;
     if (!isLeft) this.rest(false);
     if ("reason" in outcome) {
       if (!isLeft) this.fail(profile, outcome.reason);
     } else if ("reason" in outcome.read) {
-      if (!isLeft) this.dialog.close();
-      this.events.written(profile, outcome.file, outcome.read.reason);
+      const text = unreadableText(sent, outcome.file, outcome.read.reason);
+      if (isLeft) this.events.unreadable(text);
+      else this.failUnreadable(text);
     } else {
       this.done(profile, outcome, outcome.read.profile, isLeft);
     }
+  }
+
+  /// What was typed stays, for another try.
+  private failUnreadable(text: string): void {
+    this.tell(text, true);
+    this.tolerance.focus();
   }
 
   private done(before: Profile, { file, compared }: Fixed, read: Profile, isLeft: boolean): void {

@@ -1,15 +1,21 @@
 /// What the user is told about fixing a cast: what was done, why something was not, and how far the
 /// rays through both lie apart.
+import { joinedText } from "./carried";
 import { largestOf, type Comparison } from "./comparison";
 import { metres } from "./extend-words";
 import type { FixFacts } from "./fixing";
 import type { FixedFile } from "./fixer";
 import { formatCount } from "./format";
+import { identifierOf } from "./identifiers";
 import { levelCount, tooManyLevels } from "./outbox-words";
 import type { Profile } from "./profile";
+import { MOST_LEVELS } from "./protocol-output";
 
 /// Of a cast that is written as an `.asvp` file.
 const LEAST_LEVELS = 6;
+
+/// What is left to do when it is not known what went wrong, or how far it came.
+const LOOK_AND_REPEAT = "Look for the file in the list of casts; if it is not there, fix it again.";
 
 /// Whether a reason asks for the atlas settings.
 export function isAboutAtlas(reason: string): boolean {
@@ -33,6 +39,7 @@ export function fixedLines(before: Profile, after: Profile, facts: FixFacts, { p
     `Thinned, ${levelCount(after.count)} remain.`,
     `Written as ${path}.`,
     tooManyLevels(after.count),
+    joinedText(after, identifierOf(after.header.hsvp_filetype)),
   ].filter(Boolean);
 }
 
@@ -45,6 +52,23 @@ export function largestText(comparison: Comparison, first: string, second: strin
   return (
     `The largest difference is ${Math.abs(difference).toFixed(2)} m, at ${formatCount(range)} m of the ray of ${angle}°: ` +
     `${pair.first.toFixed(2)} m ${first}, ${pair.second.toFixed(2)} m ${second}.`
+  );
+}
+
+/// A file that a fix has written and the engine does not open: what is the matter and what to do.
+export function unreadableText({ filename, count }: Profile, { name, path }: FixedFile, reason: string): string {
+  const begin = `${filename} was not replaced: the fix was written as ${path}, but that file cannot be opened again.`;
+  if (!/\.ssp$/i.test(name)) return `${begin} ${reason} Try once more, with another tolerance.`.replace(/ +/g, " ");
+  if (count > MOST_LEVELS) {
+    return (
+      `${begin} A datagram is read with at most ${formatCount(MOST_LEVELS)} levels, and after thinning it most likely ` +
+      "has more. Take a larger tolerance and fix again; or choose the type “Sound velocity” in the header first: " +
+      "an .asvp file may have more levels."
+    );
+  }
+  return (
+    `${begin} Its rows are not accepted: the alert that comes with this says why. Choose the type “Sound velocity” ` +
+    "in the header, or another one that the cast has all values for; then fix again."
   );
 }
 
@@ -106,6 +130,6 @@ function fixReason(count: number, reason: string): string {
     case "There is no connection to the host.":
       return `${reason} Wait until the page is connected; then fix it again.`;
     default:
-      return reason;
+      return `${reason} ${LOOK_AND_REPEAT}`.trim();
   }
 }

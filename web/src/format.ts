@@ -81,13 +81,6 @@ export function headerMoment(value: string | number | undefined): Date | null {
   return /^-?\d{1,13}$/.test(text) ? new Date(Number(text)) : null;
 }
 
-/// The moment that a user has typed, in UTC, or null: "2026-11-15 12:34:56", its seconds and marks
-/// left out or not.
-export function typedMoment(text: string): Date | null {
-  const parts = /^(\d{4})-?(\d\d)-?(\d\d)[ T]*(\d\d):?(\d\d)(?::?(\d\d))?\s*(?:UTC|Z)?$/i.exec(text.trim());
-  return parts ? momentOfDigits(parts.slice(1).map((part) => part ?? "00").join("")) : null;
-}
-
 /// A moment as the fourteen digits yyyyMMddHHmmss, in UTC.
 export function timeDigits(moment: Date): string {
   return moment.toISOString().replace(/\D/g, "").slice(0, 14);
@@ -104,18 +97,23 @@ function momentOfDigits(digits: string): Date | null {
   return back === digits && part(0, 4) >= 1900 ? moment : null;
 }
 
-/// Latitude in degrees and minutes with its hemisphere, "59° 30.000′ N"; "" when it is not given.
-export function formatLatitude(value: string | number | undefined): string {
-  return formatAngle(value, 90, 2, "N", "S");
+/// How positions are shown.
+export type PositionForm = "minutes" | "decimal";
+
+/// Latitude in degrees and minutes with its hemisphere, "59° 30.000′ N", or in decimal degrees,
+/// "59.500000° N"; "" when it is not given.
+export function formatLatitude(value: string | number | undefined, form: PositionForm = "minutes"): string {
+  return formatAngle(value, form, 90, 2, "N", "S");
 }
 
 /// Longitude likewise, "010° 15.000′ E". Longitudes above 180 are shown as the west they mean.
-export function formatLongitude(value: string | number | undefined): string {
-  return formatAngle(value, 180, 3, "E", "W");
+export function formatLongitude(value: string | number | undefined, form: PositionForm = "minutes"): string {
+  return formatAngle(value, form, 180, 3, "E", "W");
 }
 
 function formatAngle(
   value: string | number | undefined,
+  form: PositionForm,
   limit: number,
   width: number,
   positive: string,
@@ -127,11 +125,14 @@ function formatAngle(
   if (!Number.isFinite(degrees)) return text;
   if (limit === 180 && degrees > 180 && degrees <= 360) degrees -= 360;
   if (Math.abs(degrees) > limit) return text;
+  const letter = degrees < 0 ? negative : positive;
+  // A millionth of a degree is a tenth of a metre.
+  if (form === "decimal") return `${Math.abs(degrees).toFixed(6)}° ${letter}`;
   // Rounded as a whole, so that 59.99999 becomes 60 degrees and not 59 degrees 60 minutes.
   const thousandths = Math.round(Math.abs(degrees) * 60_000);
   const whole = String(Math.floor(thousandths / 60_000)).padStart(width, "0");
   const minutes = ((thousandths % 60_000) / 1000).toFixed(3).padStart(6, "0");
-  return `${whole}° ${minutes}′ ${degrees < 0 ? negative : positive}`;
+  return `${whole}° ${minutes}′ ${letter}`;
 }
 
 /// Whether a header text means that there is no value.

@@ -1,12 +1,16 @@
 /// The header of a cast as users edit it: what each field means, how it is typed, and what is refused.
+import { absentText } from "./carried";
 import { columnsOf, holdsConductivity, holdsPressures } from "./columns";
-import { formatHeaderTime, formatLatitude, formatLongitude, headerMoment, timeDigits, typedMoment } from "./format";
+import { formatHeaderTime, formatLatitude, formatLongitude, headerMoment, timeDigits } from "./format";
 import { asText, headerRows } from "./header-fields";
-import { CONTENT_IDENTIFIERS, contentIdentifier, digitsOf, identifierWords } from "./identifiers";
-import { LATITUDE, LONGITUDE, degreesText, typedDegrees, type Axis } from "./position";
+import { CONTENT_IDENTIFIERS, columnsSent, contentIdentifier, digitsOf, identifierWords } from "./identifiers";
+import { LATITUDE, LONGITUDE, degreesText, readDegrees, type Axis } from "./position";
+import { positionForm } from "./position-form";
 import { withEdited, type Profile } from "./profile";
 import { HEADER_KEYS, type Header, type HeaderKey, type ListKey } from "./protocol";
-import { typedNumber } from "./typed-number";
+import { hasPosition, hasTime } from "./stated";
+import { readMoment } from "./typed-moment";
+import { noNumberText, typedNumber } from "./typed-number";
 
 /// The kind that an `.asvp` file states.
 export const PLAIN_KIND = "SoundVelocity";
@@ -42,24 +46,23 @@ function textField(key: HeaderKey, meaning: string, isWord = false, forbidden = 
 function timeField(key: HeaderKey, meaning: string): HeaderField {
   return {
     meaning,
-    text: ({ header }) => formatHeaderTime(header[key]),
+    text: (profile) =>
+      key === "hsvp_filetime" && !hasTime(profile) ? "" : formatHeaderTime(profile.header[key]),
     typed: (text) => {
-      const moment = typedMoment(text);
-      return moment ? { value: timeDigits(moment) } : { fault: "Write a time as in 2026-11-15 12:34:56 UTC." };
+      const read = readMoment(text);
+      return "moment" in read ? { value: timeDigits(read.moment) } : read;
     },
   };
 }
 
 function positionField(key: HeaderKey, axis: Axis, meaning: string): HeaderField {
   const format = axis === LATITUDE ? formatLatitude : formatLongitude;
-  const name = axis === LATITUDE ? "latitude" : "longitude";
   return {
     meaning,
-    text: ({ header }) => format(header[key]),
+    text: (profile) => (hasPosition(profile) ? format(profile.header[key], positionForm()) : ""),
     typed: (text) => {
-      const degrees = typedDegrees(text, axis);
-      if (degrees !== null) return { value: degreesText(degrees) };
-      return { fault: `This is no ${name} up to ${axis.limit}° ${axis.positive} or ${axis.negative}.` };
+      const read = readDegrees(text, axis);
+      return "degrees" in read ? { value: degreesText(read.degrees) } : read;
     },
   };
 }
@@ -90,7 +93,7 @@ const FIELDS: Record<HeaderKey, HeaderField> = {
     text: (profile) => headerRows(profile.header).find(({ key }) => key === "hsvp_fileradii")?.value ?? "",
     typed: (text) => {
       const value = typedNumber(text);
-      if (value === null) return { fault: `“${text}” is no number.` };
+      if (value === null) return { fault: noNumberText(text) };
       return value >= 0 && value <= 1e9 ? { value: String(value) } : { fault: "A radius is 0 or greater, and no more than 1 000 000 000." };
     },
   },
@@ -143,7 +146,9 @@ export function kindFault(profile: Profile, kind: string): string {
       ? [entry.hasConductivity ? "conductivities" : "salinities"] : []),
     ...(entry.hasAbsorption && !shown.has("svp_AbsCoef") ? ["absorptions"] : []),
   ];
-  return missing.length === 0 ? "" : `Its rows carry ${missing.join(" and ")}, which this cast does not have.`;
+  if (missing.length > 0) return `Its rows carry ${missing.join(" and ")}, which this cast does not have.`;
+  const absent = absentText(profile, columnsSent(kind));
+  return absent && `Its rows carry what is not there: ${absent}`;
 }
 
 /// The profile with the header that was typed, or what is wrong with which field. Texts that were left

@@ -6,7 +6,10 @@ import {
   isAbsent,
 } from "./format";
 import { contentIdentifier, identifierWords } from "./identifiers";
+import { positionForm } from "./position-form";
+import type { Profile } from "./profile";
 import { HEADER_KEYS, type Header, type HeaderKey } from "./protocol";
+import { hasPosition, hasTime } from "./stated";
 
 export interface HeaderRow {
   key: HeaderKey;
@@ -17,12 +20,15 @@ export interface HeaderRow {
   raw: string;
 }
 
+/// A header that stands in a file of a kind that gives the time.
+const OF_FILE = { filename: ".asvp" };
+
 type Value = string | number | undefined;
 
 const FIELDS: Record<HeaderKey, { label: string; read: (value: Value) => string }> = {
   hsvp_filetime: { label: "Time", read: formatHeaderTime },
-  hsvp_filelat: { label: "Latitude", read: formatLatitude },
-  hsvp_filelon: { label: "Longitude", read: formatLongitude },
+  hsvp_filelat: { label: "Latitude", read: (value) => formatLatitude(value, positionForm()) },
+  hsvp_filelon: { label: "Longitude", read: (value) => formatLongitude(value, positionForm()) },
   hsvp_filevalidfrom: { label: "Valid from", read: formatHeaderTime },
   hsvp_filevalidto: { label: "Valid to", read: formatHeaderTime },
   hsvp_filetype: {
@@ -52,11 +58,17 @@ export function headerLabel(key: HeaderKey): string {
   return FIELDS[key].label;
 }
 
-/// All thirteen fields, given or not, in a fixed order.
-export function headerRows(header: Header): HeaderRow[] {
+/// All thirteen fields, given or not, in a fixed order. What the cast only seems to state counts as not
+/// given; `cast` tells whose header it is and what of it was typed.
+export function headerRows(header: Header, cast: Pick<Profile, "filename" | "edited"> = OF_FILE): HeaderRow[] {
+  const isTimed = hasTime(cast);
+  const isPlaced = hasPosition({ ...cast, header });
   return HEADER_KEYS.map((key) => {
-    const value = FIELDS[key].read(header[key]);
-    const raw = String(header[key] ?? "");
+    const isPosition = key === "hsvp_filelat" || key === "hsvp_filelon";
+    const isGiven = isPosition ? isPlaced : key !== "hsvp_filetime" || isTimed;
+    const value = isGiven ? FIELDS[key].read(header[key]) : "";
+    // A time that does not stand in the file is none of what the file said.
+    const raw = key === "hsvp_filetime" && !isTimed ? "" : String(header[key] ?? "");
     return { key, label: FIELDS[key].label, value, raw: raw === value ? "" : raw };
   });
 }

@@ -1,11 +1,9 @@
 /// What the user is told about edits of levels.
-import { listName } from "./cell-values";
 import { formatCount, formatValue } from "./format";
-import { columnsSent } from "./identifiers";
 import { LEAST_WATER_SPEED, type Air, type surfaceFault } from "./level-edits";
+import { rangesText } from "./level-ranges";
 import { levelCount } from "./outbox-words";
 import type { Profile } from "./profile";
-import { HEADER_KEYS, LIST_KEYS, type HeaderKey } from "./protocol";
 
 export function droppedText(profile: Profile, { levels, byDepth, bySpeed }: Air): string {
   if (levels.length === 0) return `No level of ${profile.filename} lies in air; nothing was dropped.`;
@@ -45,48 +43,4 @@ export function surfaceFaultText(profile: Profile, fault: Exclude<ReturnType<typ
         "Drop the levels in air, or mend it, first."
       );
   }
-}
-
-/// What was changed by hand in a cast and does not go into the rows of a datagram of this kind, as
-/// sentences; "" when all of it does.
-export function notCarriedText(profile: Profile, identifier: string): string {
-  const sent = columnsSent(identifier);
-  const lost = LIST_KEYS.filter((key) => profile.edited?.has(key) && !sent.includes(key));
-  if (lost.length === 0) return "";
-  const names = lost.map((key) => listName(profile, key)).join(" and ");
-  return (
-    `You have changed the ${names} of this cast. The rows of kind ${identifier} do not carry that: whoever ` +
-    "reads them computes it from the other columns. Another kind can be chosen in the header."
-  );
-}
-
-const ASVP_KEEPS_NOT: readonly HeaderKey[] = ["hsvp_filetype", "hsvp_filecomment"];
-const DATAGRAM_KEEPS: readonly HeaderKey[] = [
-  "hsvp_filetime", "hsvp_filelat", "hsvp_filelon", "hsvp_filetype", "hsvp_filesamp", "hsvp_filecomment",
-];
-
-/// Fields of the header that the user has stated and that a file of this kind does not keep, as a
-/// sentence; "" when it keeps them all.
-export function headerLostText(
-  profile: Profile, kind: "asvp" | "datagram", label: (key: HeaderKey) => string,
-): string {
-  const isLost = (key: HeaderKey) =>
-    kind === "asvp" ? ASVP_KEEPS_NOT.includes(key) : !DATAGRAM_KEEPS.includes(key);
-  const lost = HEADER_KEYS.filter((key) => profile.edited?.has(key) && isLost(key));
-  if (lost.length === 0) return "";
-  const other = kind === "asvp" ? "a datagram file" : "an .asvp file";
-  return `Not kept of the header: ${lost.map((key) => label(key).toLowerCase()).join(", ")}; ${other} keeps that.`;
-}
-
-/// "levels 1 to 3 and 9", ascending.
-function rangesText(levels: readonly number[]): string {
-  const ranges: [number, number][] = [];
-  for (const level of levels) {
-    const last = ranges[ranges.length - 1];
-    if (last && last[1] === level - 1) last[1] = level;
-    else ranges.push([level, level]);
-  }
-  const name = (level: number) => formatCount(level + 1);
-  const words = ranges.map(([from, to]) => (from === to ? name(from) : `${name(from)} to ${name(to)}`));
-  return `${levels.length === 1 ? "level" : "levels"} ${words.join(" and ")}`;
 }

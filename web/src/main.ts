@@ -1,6 +1,7 @@
 /// The page: its parts made and joined.
 import { Asker } from "./asker";
 import { bringBack } from "./bring-back";
+import { joinedText } from "./carried";
 import { CastList, fetchCasts } from "./casts";
 import { CastView, type CastState } from "./cast-view";
 import { CompareDialog } from "./compare-dialog";
@@ -29,7 +30,9 @@ import {
   sentText,
   workText,
 } from "./outbox-words";
-import { Output, leftOut } from "./output";
+import { identifierOf } from "./identifiers";
+import { KeptEdits, editsLost, lostText, type FileForm } from "./kept";
+import { Output, leftOut, writable } from "./output";
 import { OutputMenus } from "./output-menus";
 import { isOwnFile } from "./own-files";
 import { postFile } from "./post-file";
@@ -62,6 +65,7 @@ const unsaved = new UnsavedStore((reason) =>
     text: `This browser cannot keep unsaved edits over a reload. Save before you leave the page. ${reason}`,
   }),
 );
+const keptEdits = new KeptEdits();
 const checkButton = byId<HTMLButtonElement>("check");
 
 const engine = new Engine(connection, {
@@ -134,9 +138,9 @@ function toFilters(handed: { file: PickedFile; stored: string } | null) {
 const outbox = new Outbox(connection, {
   sent: (job, svptype) => messages.add({ kind: "notice", text: sentText(job, svptype) }),
   saved: (job, path) => {
-    if (job.profile) edits.saved(job.name, job.profile);
+    const missing = job.profile ? wrote(job.name, job.profile, job.lost) : [];
     showEdits();
-    messages.add({ kind: "notice", text: savedText(job, path) });
+    messages.add({ kind: "notice", text: savedText(job, path, missing) });
     void refresh();
   },
   handedOn: (job, words) => messages.add({ kind: "notice", text: handedOnText(job, words) }),
@@ -149,7 +153,14 @@ const outbox = new Outbox(connection, {
   savedElsewhere: () => void refresh(),
   waiting: showWaiting,
 });
-const output = new Output(outbox, () => castView.open, listedNow);
+const output = new Output(outbox, {
+  open: () => castView.open,
+  listed: listedNow,
+  fileDate,
+  stated: (before, after) => {
+    if (before === castView.open) change("Undo time and place", after, "here");
+  },
+});
 const asker = new Asker(connection, [
   Action.extendDefault, Action.extendTempSal, Action.extendFile, Action.extensionName, Action.thin, Action.open,
   Action.fix, Action.rays,
@@ -166,15 +177,19 @@ const extendDialog = new ExtendDialog(new Extender(asker, postFile), {
 const thinDialog = new ThinDialog(new Thinner(asker, connection), {
   kept: (before, after, file) => {
     if (before !== castView.open) return wroteThinned(before, file);
-    edits.saved(file.name, after);
+    const form: FileForm = /\.asvp$/i.test(file.name) ? "asvp" : { kind: identifierOf(after.header.hsvp_filetype) };
+    const lost = editsLost(after, form);
+    wrote(file.name, after, lost);
     change("Undo thin", after);
-    const remark = /\.asvp$/i.test(file.name) ? leftOut(before) : "";
-    const said = remark && `The file has ${remark}`;
-    messages.add({ kind: "notice", text: thinnedText(before, file, after.count, [said]) });
+    const remark = form === "asvp" ? leftOut(before) : "";
+    const joined = form === "asvp" ? "" : joinedText(after, form.kind);
+    const said = [remark && `The file has ${remark}`, lostText(lost, form), joined];
+    messages.add({ kind: "notice", text: thinnedText(before, file, after.count, said.filter(Boolean)) });
     void refresh().then(() => castList.mark(after.filename));
   },
   written: wroteThinned,
-  occasion: (profile) => output.occasion(profile),
+  stated: (profile) => output.stated(profile),
+  writable,
   listed: listedNow,
   extend: () => extend(),
   check: () => check(),
@@ -186,9 +201,11 @@ const repair = new Repair(asker, connection, {
   saved: (name, profile) => edits.saved(name, profile),
   mark: (name) => castList.mark(name),
   notice: (text) => messages.add({ kind: "notice", text }),
+  failure: (text) => messages.add({ kind: "failure", text }),
   refresh: () => refresh(),
   listed: listedNow,
-  occasion: (profile) => output.occasion(profile),
+  stated: (profile) => output.stated(profile),
+  writable,
   check: () => check(),
 });
 // A file that this page or another one has written.
@@ -204,6 +221,26 @@ function wroteThinned(before: Profile, { path }: ThinnedFile): void {
 async function listedNow(name: string): Promise<string> {
   await refresh();
   return castList.listed(name);
+}
+
+/// When a file of the profile folder was last written; null where that cannot be told.
+async function fileDate(name: string): Promise<Date | null> {
+  try {
+    const { casts } = await fetchCasts(endings);
+    const date = new Date(casts.find((cast) => cast.name === name)?.modified ?? "");
+    return Number.isNaN(date.getTime()) ? null : date;
+  } catch {
+    return null;
+  }
+}
+
+/// A file of this name was written of the profile, without `lost`. What no file written of it keeps of
+/// the user's edits comes back; while that is any, the cast is not saved.
+function wrote(name: string, profile: Profile, lost: readonly string[] = []): readonly string[] {
+  const missing = keptEdits.wrote(profile, lost);
+  if (missing.length === 0) edits.saved(name, profile);
+  else edits.overwritten(name);
+  return missing;
 }
 
 const outputMenus = new OutputMenus(output);
@@ -246,7 +283,6 @@ function arrived(profile: Profile): void {
 function show(profile: Profile): void {
   agreed = null;
   comparison.opened(profile);
-  output.forget();
   edits.opened(profile);
   repair.opened(profile);
   put({ profile, verdict: null });

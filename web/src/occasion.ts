@@ -1,121 +1,112 @@
 /// Time and position of a cast for what leaves the editor: from its header, and where that does
 /// not give them, from the user. None is ever made up: 0° N 0° E is a place at sea.
 import { ask, type Field } from "./dialog";
-import { isBuiltIn } from "./file-kinds";
-import { formatMoment, headerMoment, timeDigits, typedMoment } from "./format";
-import { LATITUDE, LONGITUDE, degreesText, headerDegrees, typedDegrees, type Axis } from "./position";
-import type { Profile } from "./profile";
-import type { Header } from "./protocol";
+import { formatMoment, timeDigits } from "./format";
+import { LATITUDE, LONGITUDE, degreesText, readDegrees, type Axis } from "./position";
+import { withEdited, type Profile } from "./profile";
+import type { Header, HeaderKey } from "./protocol";
 import type { Occasion } from "./protocol-output";
+import { isMeant, isNowhere, statedBy } from "./stated";
+import { MOMENT_FORM, futureText, isInFuture, readMoment } from "./typed-moment";
 
-/// What a header states of time and position. A part that is missing or makes no sense is left
-/// out; a position of exactly 0, 0 counts as missing, since files without one are written so.
-export function statedIn(header: Header): Partial<Occasion> {
-  const stated: Partial<Occasion> = {};
-  const moment = headerMoment(header.hsvp_filetime);
-  if (moment) stated.time = timeDigits(moment);
-  const latitude = headerDegrees(header.hsvp_filelat, LATITUDE);
-  const longitude = headerDegrees(header.hsvp_filelon, LONGITUDE);
-  if (isNowhere(header)) return stated;
-  if (latitude) stated.latitude = latitude;
-  if (longitude) stated.longitude = longitude;
-  return stated;
+/// What is known beside the cast.
+export interface OccasionHints {
+  /// When the cast's file was last written; null where that is not known.
+  fileDate(name: string): Promise<Date | null>;
+  now?: () => Date;
 }
 
-function isNowhere({ hsvp_filelat, hsvp_filelon }: Header): boolean {
-  const texts = [headerDegrees(hsvp_filelat, LATITUDE), headerDegrees(hsvp_filelon, LONGITUDE)];
-  return texts.every((text) => text !== "" && Number(text) === 0);
+/// Time and position of a profile that states all of them.
+export function occasionIn(profile: Profile): Occasion {
+  const { time, latitude, longitude } = statedBy(profile);
+  if (!time || !latitude || !longitude) throw new Error("a cast without time or position was taken");
+  return { time, latitude, longitude };
 }
 
-/// What a profile states of time and position. A column file gives no time of its own: the engine
-/// puts that of opening in its place, which is not when the cast was taken. What the user has put
-/// into the header holds as it stands.
-export function statedBy(profile: Pick<Profile, "filename" | "header" | "edited">): Partial<Occasion> {
-  const { filename, header, edited } = profile;
-  const stated = statedIn(header);
-  if (!isBuiltIn(filename) && !edited?.has("hsvp_filetime")) delete stated.time;
-  if (isMeant(profile)) Object.assign(stated, { latitude: "0", longitude: "0" });
-  return stated;
-}
-
-/// Whether a position of 0, 0 was typed.
-function isMeant({ header, edited }: Pick<Profile, "header" | "edited">): boolean {
-  return isNowhere(header) && (edited?.has("hsvp_filelat") ?? false) && (edited?.has("hsvp_filelon") ?? false);
-}
-
-/// Time and position of a profile. What it does not state is asked for, with `earlier` (or the
-/// present time) proposed. Null when the user does not state it.
-export async function occasionOf(
-  profile: Profile,
-  earlier: Partial<Occasion>,
-  now: () => Date = () => new Date(),
-): Promise<Occasion | null> {
-  const { header } = profile;
+/// The profile with its time and position in the header, the same one where they were there. What it
+/// does not state is asked for, and nothing is proposed that could be taken unseen. Null when the user
+/// does not state it.
+export async function withOccasion(profile: Profile, hints: OccasionHints): Promise<Profile | null> {
+  const { header, filename } = profile;
   const stated = statedBy(profile);
   const fields: Field[] = [];
-  if (!stated.time) {
-    fields.push({
-      key: "time",
-      label: "Time of the cast, UTC",
-      value: formatMoment(headerMoment(earlier.time) ?? now()).replace(" UTC", ""),
-      hint: `Year-month-day, then the time of day.${earlier.time ? "" : " Proposed is the present time."}`,
-      fault: (text) => (typedMoment(text) ? "" : "Write a time as in 2026-11-15 12:34:56."),
-    });
-  }
-  if (!stated.latitude) {
-    fields.push(positionField("latitude", "Latitude", earlier.latitude, LATITUDE));
-  }
-  if (!stated.longitude) {
-    fields.push(positionField("longitude", "Longitude", earlier.longitude, LONGITUDE));
-  }
-  if (fields.length === 0) return stated as Occasion;
+  if (!stated.time) fields.push(timeField(await hints.fileDate(filename)));
+  if (!stated.latitude) fields.push(positionField("latitude", "Latitude", LATITUDE));
+  if (!stated.longitude) fields.push(positionField("longitude", "Longitude", LONGITUDE));
+  if (fields.length === 0) return profile;
 
   const answer = await ask({
     title: "When and where was this cast taken?",
     text: [
-      `${profile.filename} does not say all of it. What you state goes out with the profile.`,
+      `${filename} does not say all of it. What you state goes into its header, and out with the profile.`,
       ...(isNowhere(header) && !isMeant(profile) ? ["It says 0° N 0° E, as files without a position do."] : []),
     ],
     fields,
     confirm: "Go on",
   });
   if (!answer) return null;
-  return {
-    time: stated.time ?? digits(answer["time"]),
-    latitude: stated.latitude ?? degrees(answer["latitude"], LATITUDE),
-    longitude: stated.longitude ?? degrees(answer["longitude"], LONGITUDE),
-  };
+  const typed: Header = {};
+  const keys: HeaderKey[] = [];
+  if (!stated.time) {
+    const moment = momentIn(answer["time"]);
+    if (isInFuture(moment, hints.now?.()) && !(await mayBeFuture(moment))) return null;
+    typed.hsvp_filetime = timeDigits(moment);
+    keys.push("hsvp_filetime");
+  }
+  if (!stated.latitude) typed.hsvp_filelat = degreesIn(answer["latitude"], LATITUDE);
+  if (!stated.longitude) typed.hsvp_filelon = degreesIn(answer["longitude"], LONGITUDE);
+  // Both, so that 0, 0 is known to be meant.
+  if (!stated.latitude || !stated.longitude) keys.push("hsvp_filelat", "hsvp_filelon");
+  return withEdited({ ...profile, header: { ...header, ...typed } }, keys);
 }
 
-function positionField(
-  key: string,
-  label: string,
-  earlier: string | undefined,
-  axis: Axis,
-): Field {
-  const example = axis === LATITUDE ? "59 30.5 N, or 59.508 and -59.508" : "010 15.2 E, or 10.253 and -10.253";
+async function mayBeFuture(moment: Date): Promise<boolean> {
+  const answer = await ask({ title: "A cast from the future?", text: [futureText(moment)], confirm: "It is right" });
+  return answer !== null;
+}
+
+function timeField(fileDate: Date | null): Field {
+  const text = fileDate && formatMoment(fileDate);
   return {
-    key,
-    label,
-    value: earlier ?? "",
-    hint: `Such as ${example}.`,
-    fault: (text) => {
-      if (typedDegrees(text, axis) !== null) return "";
-      return text === ""
-        ? `State the ${key}.`
-        : `This is no ${key} up to ${axis.limit}° ${axis.positive} or ${axis.negative}.`;
+    key: "time",
+    label: "Time of the cast, UTC",
+    value: "",
+    placeholder: MOMENT_FORM,
+    hint: text
+      ? "Year-month-day, then the time of day. The file’s date is that of its last writing in the profile folder."
+      : "Year-month-day, then the time of day.",
+    ...(text ? { offer: { label: `Take the file’s date, ${text}`, value: text.replace(" UTC", "") } } : {}),
+    fault: (typed) => {
+      if (typed === "") return "State the time of the cast.";
+      const read = readMoment(typed);
+      return "fault" in read ? read.fault : "";
     },
   };
 }
 
-function digits(text: string | undefined): string {
-  const moment = typedMoment(text ?? "");
-  if (!moment) throw new Error("a time was taken that cannot be read");
-  return timeDigits(moment);
+function positionField(key: string, label: string, axis: Axis): Field {
+  const example = axis === LATITUDE ? "59 30.5 N, or 59.508 and -59.508" : "010 15.2 E, or 10.253 and -10.253";
+  return {
+    key,
+    label,
+    value: "",
+    hint: `Such as ${example}.`,
+    fault: (text) => {
+      if (text === "") return `State the ${key}.`;
+      const read = readDegrees(text, axis);
+      return "fault" in read ? read.fault : "";
+    },
+  };
 }
 
-function degrees(text: string | undefined, axis: Axis): string {
-  const value = typedDegrees(text ?? "", axis);
-  if (value === null) throw new Error("a coordinate was taken that cannot be read");
-  return degreesText(value);
+function momentIn(text: string | undefined): Date {
+  const read = readMoment(text ?? "");
+  if ("fault" in read) throw new Error("a time was taken that cannot be read");
+  return read.moment;
+}
+
+function degreesIn(text: string | undefined, axis: Axis): string {
+  const read = readDegrees(text ?? "", axis);
+  if ("fault" in read) throw new Error("a coordinate was taken that cannot be read");
+  return degreesText(read.degrees);
 }

@@ -1,6 +1,7 @@
 /// What the user is told about a profile that has left the editor, or has not.
 import { formatCount } from "./format";
 import type { Job, Way } from "./outbox";
+import { NOT_KNOWN } from "./outcome";
 import { LEAST_LEVELS, MOST_LEVELS, SURVEY_SYSTEM_PORT } from "./protocol-output";
 
 /// The engine's refusal of a profile that the check does not pass.
@@ -27,6 +28,13 @@ const AT_WORK: Record<Way, string> = {
   distribute: "Distributing",
 };
 
+const LOOK_FIRST: Record<Way, string> = {
+  send: "Look whether the survey system shows the profile; if it does not, send again.",
+  save: "Look for the file and its time in the list of casts; if it is not there, save again.",
+  receiver: "Hand it over again: once more does no harm.",
+  distribute: "Distribute again: once more does no harm.",
+};
+
 /// Said while an answer is waited for.
 export function workText(job: Job | null): string {
   return job ? `${AT_WORK[job.way]} ${job.name}…` : "";
@@ -34,18 +42,25 @@ export function workText(job: Job | null): string {
 
 export function sentText(job: Job, svptype: string): string {
   // UDP is not acknowledged: what is known is that it went out, not that it came in.
-  return (
+  const text =
     `Sent to the survey system on this machine (UDP port ${SURVEY_SYSTEM_PORT}): ${job.name}, ` +
-    `${levelCount(job.levels)} as ${svptype}. The survey system does not confirm receipt.`
+    `${levelCount(job.levels)} as ${svptype}. The survey system does not confirm receipt.`;
+  return [text, job.remark].filter(Boolean).join(" ");
+}
+
+/// `missing` is what no file keeps of that which the user has changed.
+export function savedText(job: Job, path: string, missing: readonly string[] = []): string {
+  const text = [`${missing.length > 0 ? "Written" : "Saved"} as ${path}`, job.remark].filter(Boolean).join(" – ");
+  return missing.length > 0 ? `${text} The cast still counts as not saved.` : text;
+}
+
+/// The engine's words claim more than it does, so they stand as its own.
+export function handedOnText({ way, name, levels }: Job, words: string): string {
+  const whom = way === "receiver" ? "the receiver" : "distribution";
+  return (
+    `The engine has taken note of ${name}, ${levelCount(levels)}, for ${whom}; it sends nothing itself.` +
+    (words ? ` Its answer: “${words}”` : "")
   );
-}
-
-export function savedText(job: Job, path: string): string {
-  return [`Saved as ${path}`, job.remark].filter(Boolean).join(" – ");
-}
-
-export function handedOnText(job: Job, words: string): string {
-  return `${job.name}, ${levelCount(job.levels)}: ${words}`;
 }
 
 /// What failed, why, and what to do about it.
@@ -88,6 +103,6 @@ function whatNext(way: Way, reason: string): string {
     case "There is no connection to the host.":
       return `Wait until the page is connected; then ${again}.`;
     default:
-      return "";
+      return reason.endsWith(NOT_KNOWN) ? LOOK_FIRST[way] : `Try once more; if it fails again, look into the host’s log.`;
   }
 }

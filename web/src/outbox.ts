@@ -3,6 +3,7 @@ import type { Connection, ConnectionState } from "./connection";
 import { sameFile, type Profile } from "./profile";
 import { Action, SUCCESS, requestFrame, type Packet } from "./protocol";
 import { nameSent } from "./protocol-output";
+import { NOT_KNOWN } from "./outcome";
 import { PendingRequests, type PendingRequest } from "./requests";
 
 /// A large profile and a slow disk take their time; an engine that is silent for longer has
@@ -19,6 +20,8 @@ export interface Job {
   levels: number;
   /// What goes out, where it matters whose levels a file holds afterwards.
   profile?: Profile;
+  /// What the user has changed in it and the file does not keep, in words.
+  lost?: readonly string[];
   /// Said behind the success message.
   remark?: string;
 }
@@ -27,7 +30,8 @@ export interface OutboxEvents {
   /// The engine has handed the datagram to the network, "S" with its content identifier.
   sent(job: Job, svptype: string): void;
   saved(job: Job, path: string): void;
-  /// The receiver or the distribution has the profile, in the engine's own words.
+  /// The engine has taken note of the profile for the receiver or the distribution; its own words say
+  /// more than that.
   handedOn(job: Job, words: string): void;
   failed(job: Job, reason: string): void;
   /// Another page has saved a file.
@@ -139,7 +143,7 @@ export class Outbox {
 
   private fail(requests: PendingRequest<Job>[], reason: string): void {
     for (const { subject } of requests) {
-      this.events.failed(subject, `${reason} Whether it was done all the same is not known.`);
+      this.events.failed(subject, `${reason} ${NOT_KNOWN}`);
     }
     if (requests.length > 0) this.events.waiting();
   }

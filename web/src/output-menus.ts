@@ -16,8 +16,8 @@ export class OutputMenus {
         detail: "As a datagram, to UDP port 14002 of the host’s machine",
         run: () => void output.send(),
       },
-      { label: "Receiver", detail: "Depth and sound speed, to the RVT300", run: () => void output.toReceiver() },
-      { label: "Distribute", detail: "Depth and sound speed, to all that take them", run: () => void output.distribute() },
+      { label: "Receiver", detail: "The engine takes note of it for the RVT300; it sends nothing itself", run: () => void output.toReceiver() },
+      { label: "Distribute", detail: "The engine takes note of it; it sends nothing itself", run: () => void output.distribute() },
     ]);
     this.save = new Menu(this.saveButton, [
       { label: "Save", detail: "As .asvp, under the cast’s own name", run: () => void output.save() },

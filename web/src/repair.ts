@@ -7,11 +7,13 @@ import { FixDialog } from "./fix-dialog";
 import { Fixer, type FixedFile } from "./fixer";
 import { levelCount } from "./outbox-words";
 import type { Profile } from "./profile";
-import { Action, SUCCESS } from "./protocol";
-import type { Occasion } from "./protocol-output";
+import { Action, SUCCESS, type ListKey } from "./protocol";
 import { RayDialog } from "./ray-dialog";
 import { SeenCasts } from "./seen-casts";
 import type { Shortcut } from "./shortcuts";
+
+/// A fix leaves levels out that have none of these.
+const MENDED: readonly ListKey[] = ["svp_Depth", "svp_Speed"];
 
 /// What the page lends to these dialogs.
 export interface RepairPage {
@@ -24,9 +26,11 @@ export interface RepairPage {
   saved(name: string, profile: Profile): void;
   mark(name: string): void;
   notice(text: string): void;
+  failure(text: string): void;
   refresh(): Promise<void>;
   listed(name: string): Promise<string>;
-  occasion(profile: Profile): Promise<Occasion | null>;
+  stated(profile: Profile): Promise<Profile | null>;
+  writable(profile: Profile, mends: readonly ListKey[]): Promise<Profile | null>;
   check(): void;
 }
 
@@ -55,14 +59,16 @@ export class Repair {
     this.rayDialog = new RayDialog(asker, { beside: (profile) => this.seen.beside(profile, page.earlier()), fix: () => this.fix() });
     this.fixDialog = new FixDialog(this.fixer, {
       fixed: (before, after, file) => this.fixed(before, after, file),
-      written: (before, { path }, reason) =>
-        page.notice(
-          `${before.filename} was fixed and written as ${path}.${reason && ` It could not be opened again: ${reason}`}`,
-        ),
+      written: (before, { path }) => page.notice(`${before.filename} was fixed and written as ${path}.`),
+      unreadable: (text) => {
+        page.failure(text);
+        void page.refresh();
+      },
       surfaced: (before, after) => {
         if (before === page.open()) page.change("Undo surface level", after);
       },
-      occasion: (profile) => page.occasion(profile),
+      stated: (profile) => page.stated(profile),
+      writable: (profile) => page.writable(profile, MENDED),
       listed: (name) => page.listed(name),
       atlas: () => this.atlas(),
       check: () => page.check(),

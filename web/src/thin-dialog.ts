@@ -5,8 +5,8 @@ import { isAboutOrder, notWholeText, previewLines, thinFailedText } from "./exte
 import { legend } from "./legend";
 import { NumberField } from "./number-field";
 import { PlotView } from "./plot-view";
+import { occasionIn } from "./occasion";
 import type { Profile } from "./profile";
-import type { Occasion } from "./protocol-output";
 import type { ThinnedFile, Thinner } from "./thinner";
 import {
   FULL_DEPTH,
@@ -16,6 +16,7 @@ import {
   thinKind,
   thinned,
   thinnedName,
+  underKindOf,
 } from "./thinning";
 import { rangeFault, typedNumber } from "./typed-number";
 import { mayReplace } from "./replacing";
@@ -25,9 +26,11 @@ export interface ThinDialogEvents {
   kept(before: Profile, after: Profile, file: ThinnedFile): void;
   /// A file was written although a failure had been told.
   written(before: Profile, file: ThinnedFile): void;
-  /// Time and place of a profile, asked for where it does not state them; null when the user does
+  /// The profile with time and place, asked for where it does not state them; null when the user does
   /// not state them either.
-  occasion(profile: Profile): Promise<Occasion | null>;
+  stated(profile: Profile): Promise<Profile | null>;
+  /// The profile under a kind whose rows it has the values for; null when the user wants none.
+  writable(profile: Profile): Promise<Profile | null>;
   /// The name in the profile folder of a file that `name` would replace, or "".
   listed(name: string): Promise<string>;
   extend(): void;
@@ -194,16 +197,21 @@ export class ThinDialog {
   }
 
   private async keep(): Promise<void> {
-    const { profile, previewed } = this;
-    if (!profile || !previewed) return;
-    const name = thinnedName(profile.filename, thinKind(profile));
-    const older = await this.events.listed(name);
+    const { profile: open, previewed } = this;
+    if (!open || !previewed) return;
+    const kinded = await this.events.writable(open);
+    if (!kinded) return;
+    const older = await this.events.listed(thinnedName(open.filename, thinKind(kinded)));
     if (older && !(await mayReplace(older))) return;
-    const occasion = await this.events.occasion(profile);
-    if (!occasion || profile !== this.profile || previewed !== this.previewed) return;
+    const profile = await this.events.stated(open);
+    if (!profile || open !== this.profile || previewed !== this.previewed) return;
+    // What was stated is part of the cast now, whatever comes of the thinning.
+    this.profile = profile;
+    const sent = underKindOf(profile, kinded);
+    const occasion = occasionIn(sent);
     this.rest(true);
     this.tell("Writing…");
-    const result = await this.thinner.keep(profile, previewed.tolerance, occasion, (file) =>
+    const result = await this.thinner.keep(sent, previewed.tolerance, occasion, (file) =>
       this.events.written(profile, file),
     );
     // The file is written whatever became of the dialog meanwhile.
@@ -215,7 +223,7 @@ export class ThinDialog {
       this.events.written(profile, result);
     } else {
       this.dialog.close();
-      this.events.kept(profile, thinned(profile, previewed.kept, result.name, occasion), result);
+      this.events.kept(profile, thinned(sent, previewed.kept, result.name, occasion), result);
     }
   }
 

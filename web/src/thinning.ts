@@ -19,6 +19,13 @@ export function thinKind({ header }: Pick<Profile, "header">): string {
   return type.includes(PLAIN_KIND) ? PLAIN_KIND : identifierOf(type) || PLAIN_KIND;
 }
 
+/// A profile under the kind of another one.
+export function underKindOf(profile: Profile, { header }: Pick<Profile, "header">): Profile {
+  const kind = header.hsvp_filetype;
+  if (kind === undefined || kind === profile.header.hsvp_filetype) return profile;
+  return { ...profile, header: { ...profile.header, hsvp_filetype: kind } };
+}
+
 /// Name of the file that the engine writes for a profile of this name and kind.
 export function thinnedName(name: string, kind: string): string {
   const stem = textPiece(baseName(name)).replace(/\.[^.]*$/, "");

@@ -5,11 +5,21 @@ import { join } from "node:path";
 import { describe, test } from "node:test";
 import { fix, fixDialog, fixed, FAULTY } from "./repair-parts";
 import type { FileLevel } from "./host";
-import { STRAIGHT, fileLevels, levels, undo } from "./reshape-parts";
+import { PROBE, STRAIGHT, fileLevels, levels, undo } from "./reshape-parts";
 import { Stage, assertInside, openCast, picture, shown, told } from "./stage";
 
 /// Around a straight line by up to 3 m/s, which thinning at its coarsest does not follow throughout.
 const WAVY: FileLevel[] = Array.from({ length: 241 }, (_, i) => [String(i * 50), (1500 + i / 2 + 3 * Math.sin(i / 7)).toFixed(2)]);
+
+/// So uneven that thinning at 0.1 leaves more levels than a datagram is read with: up and down by
+/// 0.3 m/s, each two metres.
+function rough(): string {
+  const rows = Array.from({ length: 20_000 }, (_, i) => {
+    const depth = 1 + i * 0.05;
+    return [depth.toFixed(2), (1490 + 0.0165 * depth + 0.3 * Math.sin(Math.PI * depth)).toFixed(2), "9.000", "35.000"].join("\t");
+  });
+  return `${PROBE.slice(0, PROBE.indexOf("2\t1504.1"))}${rows.join("\r\n")}\r\n`;
+}
 
 describe("fixing", () => {
   const stage = new Stage(async (host) => {
@@ -17,6 +27,7 @@ describe("fixing", () => {
     await host.writeCast("straight.asvp", STRAIGHT);
     await host.writeCast("hopeless.asvp", FAULTY.map(([depth], i) => [depth, i === 0 ? "1500.00" : "300.00"]));
     await host.writeCast("wavy.asvp", WAVY);
+    await writeFile(join(host.folder, "rough.vp2"), rough());
     await host.writeCast("few.asvp", FAULTY.slice(0, 4));
     await host.writeCast("nowhere.asvp", FAULTY, "( SoundVelocity 1.0 0 0 0 0 0 0 0 source NA 8 )");
   });
@@ -147,6 +158,28 @@ describe("fixing", () => {
       await fixDialog(page).getByRole("textbox").press("Enter");
       await fixDialog(page).getByText(fault).waitFor();
     }
+  });
+
+  test("a file that cannot be opened again is no success, and what was typed stays for another try", async () => {
+    const page = await stage.page();
+    await openCast(page, "rough.vp2");
+    await fix(page, "0.1");
+    const dialog = fixDialog(page);
+    await dialog.getByRole("alert").filter({ hasText: "rough.vp2 was not replaced: the fix was written as" }).waitFor();
+    assert.match(
+      (await dialog.getByRole("alert").allTextContents()).join(),
+      /rough_fixed\.ssp, but that file cannot be opened again\. A datagram is read with at most 1\u202f000 levels.* Take a larger tolerance and fix again/,
+    );
+    await picture(page, "fix-unreadable");
+    assert.equal(await dialog.getByRole("textbox", { name: "Tolerance of thinning" }).inputValue(), "0.1");
+    assert.equal(await told(page, "rough.vp2 was fixed").count(), 0);
+    assert.equal(await told(page, "rough.vp2 fixed").count(), 0);
+    assert.equal(await page.locator("#cast-title").textContent(), "rough.vp2");
+    await dialog.getByRole("textbox", { name: "Tolerance of thinning" }).fill("1");
+    await dialog.getByRole("button", { name: "Fix", exact: true }).click();
+    await page.getByRole("dialog", { name: "Replace rough_fixed.ssp?" }).getByRole("button", { name: "Replace" }).click();
+    await fixed(page, "rough.vp2");
+    await shown(page, "rough_fixed.ssp");
   });
 
   test("a page beside it thins on, and is offered what was written", async () => {

@@ -66,9 +66,46 @@ describe("editing the header", () => {
     await page.getByRole("menuitem", { name: "Save as…" }).click();
     await page.getByRole("dialog", { name: "Save as" }).getByLabel("File name").fill("header");
     await page.keyboard.press("Enter");
-    await told(page, "Not kept of the header: comment; a datagram file keeps that.").waitFor();
+    await told(page, "Not kept of what you have changed: comment. A datagram file keeps what its kind carries. The cast still counts as not saved.").waitFor();
+    assert.ok(await unsaved(page));
     const [first] = (await readFile(join(stage.host.folder, "header.asvp"), "latin1")).split("\r\n");
     assert.equal(first, "( SoundVelocity 1.0 0 20261201060500 -12.51 -70.25 2500 0 0 deck_probe NA 4 )");
+  });
+
+  test("a time ahead is taken, with a warning", async () => {
+    const page = await stage.page();
+    await openCast(page, "sea.asvp");
+    await page.keyboard.press("d");
+    await input(page, "Time").fill("15.11.2126 9:05");
+    await apply(page);
+    await told(page, "The time of the cast, 2126-11-15 09:05:00 UTC, lies in the future.").waitFor();
+    assert.equal(await shownField(page, "time"), "2126-11-15 09:05:00 UTC");
+  });
+
+  test("positions are shown in the form that was chosen, now and later, and typed in both", async () => {
+    const page = await stage.page();
+    await openCast(page, "sea.asvp");
+    const form = page.getByLabel("Form of positions");
+    assert.equal(await form.inputValue(), "minutes");
+    await form.selectOption("decimal");
+    assert.equal(await shownField(page, "lat"), "59.500000° N");
+    assert.equal(await shownField(page, "lon"), "10.250000° E");
+    await page.reload();
+    await openCast(page, "sea.asvp");
+    assert.equal(await shownField(page, "lat"), "59.500000° N");
+    await page.getByRole("button", { name: "Edit the header" }).click();
+    assert.equal(await input(page, "Latitude").inputValue(), "59.500000° N");
+    await input(page, "Latitude").fill("59 60 N");
+    await apply(page);
+    await dialogOf(page).getByText("There are 60 minutes in it; they go up to 59.999.").waitFor();
+    await input(page, "Latitude").fill("5930.5N");
+    await input(page, "Longitude").fill("-10.5");
+    await apply(page);
+    assert.equal(await shownField(page, "lat"), "59.508333° N");
+    assert.equal(await shownField(page, "lon"), "10.500000° W");
+    await picture(page, "header-decimal");
+    await form.selectOption("minutes");
+    assert.equal(await shownField(page, "lat"), "59° 30.500′ N");
   });
 
   test("what cannot be carried is refused where it stands", async () => {
@@ -127,7 +164,6 @@ describe("editing the header", () => {
     await page.keyboard.press("Enter");
     await page.keyboard.press("w");
     await page.getByRole("menuitem", { name: "Save as datagram file…" }).click();
-    await page.keyboard.press("Enter");
     const question = page.getByRole("dialog", { name: "Save anyway?" });
     await question.getByText("You have changed the sound speed of this cast. The rows of kind 02 do not carry that").waitFor();
     await question.getByRole("button", { name: "Cancel" }).click();

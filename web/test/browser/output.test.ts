@@ -161,9 +161,14 @@ describe("sending, saving and handing on", () => {
     await openCast(page, "nowhere.asvp");
     await choose(page, "Send", "Survey system");
     const dialog = question(page, "When and where was this cast taken?");
-    const time = await dialog.getByLabel("Time of the cast, UTC").inputValue();
-    const age = Date.now() - Date.parse(`${time.replace(" ", "T")}Z`);
-    assert.ok(age > -2000 && age < 60_000, `${time} is the present time`);
+    // Nothing is proposed: the file's date only at a press, and Enter alone takes no time for granted.
+    const time = dialog.getByLabel("Time of the cast, UTC");
+    assert.equal(await time.inputValue(), "");
+    assert.equal(await time.getAttribute("placeholder"), "2026-11-15 12:34:56");
+    await time.press("Enter");
+    await dialog.getByText("State the time of the cast.").waitFor();
+    await dialog.getByRole("button", { name: "Take the file’s date, 2026-11-15 12:40:00 UTC" }).click();
+    assert.equal(await time.inputValue(), "2026-11-15 12:40:00");
     assert.equal(await dialog.getByLabel("Latitude").inputValue(), "");
     await dialog.getByRole("button", { name: "Go on" }).click();
     await dialog.getByText("State the latitude.").waitFor();
@@ -177,7 +182,7 @@ describe("sending, saving and handing on", () => {
     await dialog.getByLabel("Latitude").fill("12 30.5 S");
     await dialog.getByLabel("Longitude").fill("-0.25");
     await dialog.getByRole("button", { name: "Go on" }).click();
-    await dialog.getByText("Write a time as in").waitFor();
+    await dialog.getByText("That month has no day 30. Write a time as in").waitFor();
     await dialog.getByLabel("Time of the cast, UTC").fill("2026-02-28 10:00");
     await page.keyboard.press("Enter");
     await told(page, "6 levels as S00").waitFor();
@@ -185,14 +190,38 @@ describe("sending, saving and handing on", () => {
     assert.deepEqual(arrival.time, ["2026", "02", "28", "100000"]);
     assert.deepEqual(arrival.tail.slice(0, 4), ["1230.500000", "S", "15.000000", "W"]);
 
-    // What was stated once is proposed the next time.
+    // What was stated stands in the header now, as a step of the history, and is not asked for again.
+    const field = (key: string) => page.locator(`#header [data-key=hsvp_file${key}]`).textContent();
+    assert.equal(await field("time"), "2026-02-28 10:00:00 UTC");
+    assert.equal(await field("lat"), "12° 30.500′ S");
+    await page.getByRole("button", { name: "Undo time and place" }).click();
+    assert.equal(await field("lat"), "not given", "as Send holds it to be missing");
+    assert.equal(await field("lon"), "not given");
+    assert.equal(await field("time"), "not given");
+    await page.keyboard.press("Control+y");
+    assert.equal(await field("lon"), "000° 15.000′ W");
     await choose(page, "Save", "Save as…");
     await question(page, "Save as").getByLabel("File name").fill("somewhere");
     await page.keyboard.press("Enter");
-    assert.equal(await dialog.getByLabel("Time of the cast, UTC").inputValue(), "2026-02-28 10:00:00");
-    await dialog.getByRole("button", { name: "Go on" }).click();
     await told(page, "somewhere.asvp").waitFor();
     assert.match(await onDisk("somewhere.asvp"), /^\( SoundVelocity 1\.0 0 20260228100000 -12\.508333333 -0\.25 /);
+  });
+
+  test("a time ahead is asked about before it is taken", async () => {
+    const page = await stage.page();
+    await openCast(page, "nowhere.asvp");
+    await choose(page, "Send", "Survey system");
+    const dialog = question(page, "When and where was this cast taken?");
+    await dialog.getByLabel("Time of the cast, UTC").fill("2126-02-28 10:00");
+    await dialog.getByLabel("Latitude").fill("59 30 N");
+    await dialog.getByLabel("Longitude").fill("10 E");
+    await page.keyboard.press("Enter");
+    const ahead = question(page, "A cast from the future?");
+    await ahead.getByText("The time of the cast, 2126-02-28 10:00:00 UTC, lies in the future.").waitFor();
+    await ahead.getByRole("button", { name: "Cancel" }).click();
+    await ahead.waitFor({ state: "detached" });
+    await survey.assertQuiet();
+    assert.ok(await page.locator("#undo").isHidden());
   });
 
   test("a type that is no content identifier may go out as 00", async () => {
@@ -228,13 +257,14 @@ describe("sending, saving and handing on", () => {
     await survey.assertQuiet();
   });
 
-  test("the receiver and the distribution answer in their own words", async () => {
+  test("what the engine does for the receiver and the distribution is told, and what it says", async () => {
     const page = await stage.page();
     await openCast(page, "keep.asvp");
     await choose(page, "Send", "Receiver");
-    await told(page, "keep.asvp, 4 levels: SVP sent to RVT300.").waitFor();
+    const note = "The engine has taken note of keep.asvp, 4 levels, for";
+    await told(page, `${note} the receiver; it sends nothing itself. Its answer: “SVP sent to RVT300.”`).waitFor();
     await choose(page, "Send", "Distribute");
-    await told(page, "keep.asvp, 4 levels: SVP distributed.").waitFor();
+    await told(page, `${note} distribution; it sends nothing itself. Its answer: “SVP distributed.”`).waitFor();
     await openCast(page, "two.asvp");
     await choose(page, "Send", "Receiver");
     await failed(page, /two\.asvp was not handed to the receiver\. Invalid svp\. At least 3 levels/).waitFor();

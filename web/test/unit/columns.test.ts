@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { columnsOf, plotQuantities } from "../../src/columns";
-import { statedBy } from "../../src/occasion";
+import { statedBy } from "../../src/stated";
 import { profileOf } from "../../src/profile";
 import type { Packet } from "../../src/protocol";
 

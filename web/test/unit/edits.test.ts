@@ -47,6 +47,18 @@ test("a cast that was saved under another name is still in its own file", () => 
   assert.ok(!edits.isUnsaved(edits.undo(now(longer))?.profile ?? longer));
 });
 
+test("a file that was written without all of the edits saves nothing, and holds what was opened no more", () => {
+  const edits = new Edits<Verdict>();
+  const [opened, longer] = [cast(), withValue(cast(), 0, "svp_Speed", 1501)];
+  edits.opened(opened);
+  edits.changed("Undo change", now(opened), longer);
+  edits.overwritten("/folder/other.asvp");
+  assert.ok(edits.isUnsaved(longer));
+  assert.ok(!edits.isUnsaved(edits.undo(now(longer))?.profile ?? longer), "its own file is as it was");
+  edits.overwritten("/folder/a.asvp");
+  assert.ok(edits.isUnsaved(opened));
+});
+
 test("a step back to what was opened or saved brings the very profile, and the one before is known without a step", () => {
   const edits = new Edits<Verdict>();
   const first = cast();
@@ -154,7 +166,7 @@ test("each failure of an extension says what to do", () => {
   assert.match(text("Error saving file.", "file"), /disk has room/);
   assert.match(text("Invalid input parameters."), /Load the page again/);
   assert.match(text("There is no connection to the host."), /Wait until the page is connected; then extend again/);
-  assert.match(text("Something else."), /^a\.asvp was not extended\. Something else\.$/);
+  assert.match(text("Something else."), /^a\.asvp was not extended\. Something else\. Try to extend it once more; if that fails too, look into the host’s log\.$/);
 });
 
 test("thinning is told by what remains, where it is, and the limit of the survey system", () => {
@@ -185,5 +197,5 @@ test("each failure of thinning says what to do", () => {
   assert.match(text("Memory allocation error"), /short of memory/);
   assert.match(text("Error writing file."), /disk has room/);
   assert.match(text("Thinning error"), /No profile came of it/);
-  assert.equal(text("No samples extracted."), "a.asvp was not thinned. No samples extracted.");
+  assert.equal(text("No samples extracted."), "a.asvp was not thinned. No samples extracted. Try to thin it once more; if that fails too, look into the host’s log.");
 });

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { extensionFacts, extensionRows, rowsBelow } from "../../src/extension-file";
-import { rangeFault, typedNumber } from "../../src/typed-number";
+import { noNumberText, rangeFault, typedNumber } from "../../src/typed-number";
 
 const read = (text: string) => extensionRows(Buffer.from(text, "latin1")).map(({ depth, speed }) => [depth, speed]);
 const facts = (depths: number[], deepest = 100) =>
@@ -67,7 +67,15 @@ test("numbers are typed with a point or a comma", () => {
   assert.equal(typedNumber("-0.5"), -0.5);
   assert.equal(typedNumber("−0.5"), -0.5);
   assert.equal(typedNumber("+.5"), 0.5);
-  for (const text of ["", "a", "1.2.3", "1e3", "0x1", "--1", "NaN"]) assert.equal(typedNumber(text), null, text);
+  // A comma with three digits behind it may stand between thousands.
+  for (const text of ["1,200", "12,500", "-999,000", "+1,000", "−1,200", " 1,200 "]) assert.equal(typedNumber(text), null, text);
+  for (const [text, value] of [["0,500", 0.5], ["1,20", 1.2], ["1,2000", 1.2], ["1234,500", 1234.5], [",500", 0.5], ["1.200", 1.2]] as const) {
+    assert.equal(typedNumber(text), value, text);
+  }
+  assert.equal(noNumberText("1,200"), "“1,200” can mean 1.200 or 1200: write 1.200 for the first, 1200 for the second.");
+  assert.equal(noNumberText(" x "), "“x” is no number.");
+  assert.equal(rangeFault("1,200", "The depth", 0, 5000, "m"), noNumberText("1,200"));
+  for (const text of ["", "a", "1.2.3", "1,2,3", "1,200.5", "1e3", "0x1", "--1", "NaN"]) assert.equal(typedNumber(text), null, text);
 });
 
 test("both bounds of a range are in it, and what is beyond is told", () => {

@@ -67,6 +67,10 @@ const positions: [name: string, shown: string, expected: string][] = [
   ["NA", formatLongitude("NA"), ""],
   ["text stays as it is", formatLatitude("59 30.0 N"), "59 30.0 N"],
   ["zero is a place", formatLatitude(0), "00° 00.000′ N"],
+  ["decimal degrees", formatLatitude(-59.5083333333, "decimal"), "59.508333° S"],
+  ["decimal degrees that mean west", formatLongitude("200", "decimal"), "160.000000° W"],
+  ["decimal degrees out of range", formatLongitude("361", "decimal"), "361"],
+  ["no decimal degrees", formatLatitude("NA", "decimal"), ""],
 ];
 for (const [name, shown, expected] of positions) {
   test(`position: ${name}`, () => assert.equal(shown, expected));

@@ -3,10 +3,9 @@ import { readFile } from "node:fs/promises";
 import { test } from "node:test";
 import { fieldText, kindChoices, kindFault, withHeader } from "../../src/header-edit";
 import { CONTENT_IDENTIFIERS, carriesConductivity, columnsSent, contentIdentifier, identifierWords } from "../../src/identifiers";
-import { headerLabel } from "../../src/header-fields";
+import { headerRows } from "../../src/header-fields";
 import { holdsConductivity } from "../../src/columns";
-import { headerLostText } from "../../src/level-words";
-import { statedBy } from "../../src/occasion";
+import { statedBy } from "../../src/stated";
 import type { Profile } from "../../src/profile";
 import { HEADER_KEYS, profileBody, type HeaderKey } from "../../src/protocol";
 import { profileWith } from "./support";
@@ -65,8 +64,8 @@ test("times and positions are taken in the forms that people write", () => {
   assert.equal(latitude("-0,5"), -0.5);
   assert.equal(latitude("0 30 S"), -0.5);
   assert.equal(Number(taken({ hsvp_filelon: "010° 15.000′ W" }).header.hsvp_filelon), -10.25);
-  assert.match(faultOf("hsvp_filelat", "59 E"), /no latitude up to 90° N or S/);
-  assert.match(faultOf("hsvp_filelat", "90.1"), /no latitude/);
+  assert.equal(faultOf("hsvp_filelat", "59 E"), "E is for a longitude; a latitude has N or S.");
+  assert.equal(faultOf("hsvp_filelat", "90.1"), "This is no latitude up to 90° N or S.");
   assert.equal(latitude("90"), 90);
   assert.match(faultOf("hsvp_filelon", "361"), /no longitude/);
 });
@@ -137,8 +136,19 @@ test("what the user has stated holds where the file's own would not", () => {
   const away = taken({ hsvp_filelat: "1 N", hsvp_filelon: "2 E" }, column);
   const back = taken({ hsvp_filelat: "0 N", hsvp_filelon: "0 E" }, away);
   assert.deepEqual(statedBy(back), { latitude: "0", longitude: "0" });
-  assert.equal(headerLostText(back, "datagram", headerLabel), "");
-  const noted = taken({ hsvp_filecomment: "x", hsvp_filesource: "probe" });
-  assert.equal(headerLostText(noted, "asvp", headerLabel), "Not kept of the header: comment; a datagram file keeps that.");
-  assert.equal(headerLostText(noted, "datagram", headerLabel), "Not kept of the header: source; an .asvp file keeps that.");
+});
+
+test("what the cast only seems to state is shown and edited as not given", () => {
+  const shown = (profile: Profile, key: HeaderKey) =>
+    [headerRows(profile.header, profile).find((each) => each.key === key)?.value, fieldText(profile, key)];
+  const nowhere = cast({ hsvp_filetime: "20261115123456", hsvp_filelat: "0", hsvp_filelon: 0 }, { filename: "x.col" });
+  for (const key of ["hsvp_filetime", "hsvp_filelat", "hsvp_filelon"] as const) assert.deepEqual(shown(nowhere, key), ["", ""]);
+  assert.equal(taken({ hsvp_filelat: "", hsvp_filelon: "", hsvp_filetime: "" }, nowhere), nowhere, "left as it stands");
+  const meant = taken({ hsvp_filelat: "0", hsvp_filelon: "0" }, nowhere);
+  assert.deepEqual(shown(meant, "hsvp_filelat"), ["00° 00.000′ N", "00° 00.000′ N"]);
+  assert.deepEqual(statedBy(meant), { latitude: "0", longitude: "0" });
+  // On the equator, but not at 0, 0; and a kind of file that gives the time.
+  const equator = cast({ hsvp_filetime: "20261115123456", hsvp_filelat: "0", hsvp_filelon: "10" }, { filename: "x.vp2" });
+  assert.deepEqual(shown(equator, "hsvp_filelat")[0], "00° 00.000′ N");
+  assert.deepEqual(shown(equator, "hsvp_filetime")[0], "2026-11-15 12:34:56 UTC");
 });

@@ -5,7 +5,7 @@ import {
   byDepth, downcast, levelsInAir, offerAt, offerFor, picked, reversed, surfaceFault, upcast, withLevel,
   withSurface, withValue, withoutLevels,
 } from "../../src/level-edits";
-import { downcastText, droppedText, notCarriedText, upcastText } from "../../src/level-words";
+import { downcastText, droppedText, upcastText } from "../../src/level-words";
 import type { Profile } from "../../src/profile";
 import { profileWith } from "./support";
 
@@ -139,12 +139,4 @@ test("typed values are numbers within what can be meant", () => {
   assert.match(untouchable(some, { key: "svp_Temp" }, 3), /^Level 4 was joined, not measured: it has no temperature/);
   assert.equal(untouchable(some, { key: "svp_Temp" }, 2), "");
   assert.equal(untouchable(some, { key: "svp_Speed" }, 3), "");
-});
-
-test("a change that the rows of a kind do not carry is told", () => {
-  const changed = withValue(four(), 0, "svp_Speed", 1501);
-  assert.equal(notCarriedText(changed, "00"), "");
-  assert.equal(notCarriedText(four(), "02"), "");
-  assert.match(notCarriedText(changed, "02"), /changed the sound speed of this cast\. The rows of kind 02 do not carry that/);
-  assert.match(notCarriedText(withValue(four(), 0, "svp_Depth", 6), "04"), /changed the depth/);
 });

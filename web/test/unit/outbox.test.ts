@@ -131,7 +131,16 @@ test("success is told with what went where", () => {
   );
   assert.equal(savedText(job("save"), "/data/a.asvp"), "Saved as /data/a.asvp");
   assert.equal(savedText({ ...job("save"), remark: "kept" }, "/data/a.ssp"), "Saved as /data/a.ssp – kept");
-  assert.equal(handedOnText(job("receiver"), "SVP sent to RVT300."), "a.asvp, 3 levels: SVP sent to RVT300.");
+  assert.equal(
+    savedText({ ...job("save"), remark: "Not kept of what you have changed: comment." }, "/data/a.asvp", ["comment"]),
+    "Written as /data/a.asvp – Not kept of what you have changed: comment. The cast still counts as not saved.",
+  );
+  const note = "The engine has taken note of a.asvp, 3 levels, for";
+  assert.equal(
+    handedOnText(job("receiver"), "SVP sent to RVT300."),
+    `${note} the receiver; it sends nothing itself. Its answer: “SVP sent to RVT300.”`,
+  );
+  assert.equal(handedOnText(job("distribute"), ""), `${note} distribution; it sends nothing itself.`);
 });
 
 const failures: [Way, string, RegExp][] = [
@@ -157,7 +166,16 @@ for (const [way, reason, words] of failures) {
   });
 }
 
-test("a failure of another kind is told as it is", () => {
-  assert.equal(failedText(job("save"), "Odd."), "a.asvp was not saved. Odd.");
-  assert.equal(failedText(job("save"), ""), "a.asvp was not saved.");
+test("a failure of another kind is told as it is, with what is left to do", () => {
+  const rest = "Try once more; if it fails again, look into the host’s log.";
+  assert.equal(failedText(job("save"), "Odd."), `a.asvp was not saved. Odd. ${rest}`);
+  assert.equal(failedText(job("save"), ""), `a.asvp was not saved. ${rest}`);
+});
+
+test("where it is not known whether it was done, each way out says how to find out", () => {
+  const text = (way: Way) => failedText(job(way), "The connection was lost before the answer came. Whether it was done all the same is not known.");
+  assert.match(text("send"), /not known\. Look whether the survey system shows the profile; if it does not, send again\.$/);
+  assert.match(text("save"), /not known\. Look for the file and its time in the list of casts; if it is not there, save again\.$/);
+  assert.match(text("receiver"), /not known\. Hand it over again: once more does no harm\.$/);
+  assert.match(text("distribute"), /not known\. Distribute again: once more does no harm\.$/);
 });

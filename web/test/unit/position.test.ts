@@ -6,7 +6,7 @@ import {
   degreesText,
   headerDegrees,
   hemisphere,
-  typedDegrees,
+  readDegrees,
   type Axis,
 } from "../../src/position";
 
@@ -40,13 +40,53 @@ const typed: [string, Axis, number | null][] = [
   ["350.5", LONGITUDE, -9.5],
   ["361", LONGITUDE, null],
   ["59 N", LONGITUDE, null],
+  // As charts, other programs and log sheets have them.
+  ["5930.5N", LATITUDE, 59 + 30.5 / 60],
+  ["5930.5 S", LATITUDE, -(59 + 30.5 / 60)],
+  ["5960N", LATITUDE, null],
+  ["9959N", LATITUDE, null],
+  ["930.5N", LATITUDE, null],
+  ["5930.5", LATITUDE, null],
+  ["01015.2E", LONGITUDE, 10 + 15.2 / 60],
+  ["1015.2W", LONGITUDE, -(10 + 15.2 / 60)],
+  ["355E", LONGITUDE, -5],
+  ["59-30.5N", LATITUDE, 59 + 30.5 / 60],
+  ["59-30-12 S", LATITUDE, -(59 + 30 / 60 + 12 / 3600)],
+  ["59:30.5", LATITUDE, 59 + 30.5 / 60],
+  ["-59:30.5", LATITUDE, -(59 + 30.5 / 60)],
+  ["59d30m N", LATITUDE, 59.5],
+  ["59d30.5m S", LATITUDE, -(59 + 30.5 / 60)],
+  ["59d30m12s N", LATITUDE, 59 + 30 / 60 + 12 / 3600],
+  ["59 deg 30 min 12 sec S", LATITUDE, -(59 + 30 / 60 + 12 / 3600)],
+  ["59d30m12s", LATITUDE, null],
+  ["10d15m12s", LONGITUDE, 10 + 15 / 60 + 12 / 3600],
+  ["59°30′12S", LATITUDE, -(59 + 30 / 60 + 12 / 3600)],
+  ["59.500000° N", LATITUDE, 59.5],
+  ["+59.5 N", LATITUDE, null],
 ];
 for (const [text, axis, value] of typed) {
   test(`"${text}" as ${axis.limit === 90 ? "latitude" : "longitude"} is ${value}`, () => {
-    const found = typedDegrees(text, axis);
-    if (value === null) assert.equal(found, null);
-    else assert.ok(found !== null && Math.abs(found - value) < 1e-12, String(found));
+    const found = readDegrees(text, axis);
+    if (value === null) assert.ok("fault" in found && found.fault.endsWith("."), JSON.stringify(found));
+    else assert.ok("degrees" in found && Math.abs(found.degrees - value) < 1e-12, JSON.stringify(found));
   });
+}
+
+const faults: [string, Axis, string][] = [
+  ["-59.5 S", LATITUDE, "A sign and S together may contradict each other: write one of them, -59.5 or 59.5 S."],
+  ["59 60 N", LATITUDE, "There are 60 minutes in it; they go up to 59.999. Write it as in 59 30.5 N or 59.508."],
+  ["59 30 60 N", LATITUDE, "There are 60 seconds in it; they go up to 59.999. Write it as in 59 30.5 N or 59.508."],
+  ["59 30.5 E", LATITUDE, "E is for a longitude; a latitude has N or S."],
+  ["59 30.5 N", LONGITUDE, "N is for a latitude; a longitude has E or W."],
+  ["90.1", LATITUDE, "This is no latitude up to 90° N or S."],
+  ["5930.5", LATITUDE, "If this means 59° 30.5′, write 59 30.5 N or 59 30.5 S; degrees go up to 90."],
+  ["59.5 30 N", LATITUDE, "Only the last number may have decimals. Write it as in 59 30.5 N or 59.508."],
+  ["fifty", LONGITUDE, "This is no longitude. Write it as in 010 15.2 E or 10.253."],
+  ["N 59 N", LATITUDE, "The hemisphere stands twice: write it once."],
+  ["59d30m12s", LATITUDE, "Whether the last S means seconds or south is not clear: write 59 30 12 N or 59 30 12 S."],
+];
+for (const [text, axis, fault] of faults) {
+  test(`"${text}" is refused with its own reason`, () => assert.deepEqual(readDegrees(text, axis), { fault }));
 }
 
 test("a header's own digits are kept where they will do", () => {

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { columnsSent, identifierOf } from "../../src/identifiers";
-import { statedIn } from "../../src/occasion";
+import { statedIn } from "../../src/stated";
 import { profileOf } from "../../src/profile";
 import type { Packet } from "../../src/protocol";
 import {
