@@ -1,16 +1,22 @@
 /// What a file keeps of that which the user has stated or changed in a cast.
 import { PAIR_COLUMNS, joinedLevels, listsLost } from "./carried";
 import { listName } from "./cell-values";
-import { decimalsFor } from "./format";
+import { decimalsFor, formatCount } from "./format";
 import { headerLabel } from "./header-fields";
 import { columnsSent, contentIdentifier } from "./identifiers";
 import type { Profile } from "./profile";
 import { HEADER_KEYS, type HeaderKey } from "./protocol";
+import { MOST_LEVELS } from "./protocol-output";
+import { FULL_DEPTH } from "./thinning";
 
 /// A file to which a cast goes: an `.asvp` file, or a datagram of a kind.
 export type FileForm = "asvp" | { kind: string };
 
 const ASVP_KEEPS_NOT: readonly HeaderKey[] = ["hsvp_filetype", "hsvp_filecomment"];
+/// What the engine asks of a datagram file, m: from one depth to the next, and from the last one to
+/// full depth.
+const LEAST_STEP = 0.00998;
+const MOST_MISSING = 100;
 /// Decimals that an `.asvp` file writes.
 const ASVP_DECIMALS = 2;
 const DATAGRAM_KEEPS: readonly HeaderKey[] = [
@@ -61,4 +67,19 @@ function keepsField({ header }: Profile, key: HeaderKey, form: FileForm): boolea
   if (form === "asvp") return !ASVP_KEEPS_NOT.includes(key) || (key === "hsvp_filetype" && type === "SoundVelocity");
   // The kind of a datagram is what the user has it written as, whatever the header says.
   return DATAGRAM_KEEPS.includes(key);
+}
+
+/// Why a datagram file of a profile would not open again, as a sentence; "" when nothing speaks against
+/// it. Such a file is read as a whole profile or not at all.
+export function reopeningText({ lists: { svp_Depth: depths }, count }: Profile): string {
+  const [first, last] = [depths[0] ?? NaN, depths[count - 1] ?? NaN];
+  const isCrowded = depths.some((depth, level) => level > 0 && !(depth - (depths[level - 1] ?? NaN) >= LEAST_STEP));
+  const why =
+    count > MOST_LEVELS ? `it has more than ${formatCount(MOST_LEVELS)} levels; thin the cast first`
+    : first < 0 ? "it begins above the surface; drop the levels in air first"
+    : isCrowded ? "not each of its levels lies a centimetre below the one before; check and mend the cast first"
+    : last > FULL_DEPTH ? `it goes below ${formatCount(FULL_DEPTH)} m`
+    : last < FULL_DEPTH - MOST_MISSING ? `it ends above ${formatCount(FULL_DEPTH - MOST_MISSING)} m; extend the cast first`
+    : "";
+  return why && `This file will not open again as it stands: ${why}.`;
 }

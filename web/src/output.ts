@@ -5,7 +5,7 @@ import { CHOSEN, ask, type Choice } from "./dialog";
 import { finalName, nameFault, proposedName, type Suffix } from "./file-names";
 import { formatCount } from "./format";
 import { PLAIN, columnsSent, identifierOf } from "./identifiers";
-import { editsLost, lostText, type FileForm } from "./kept";
+import { editsLost, lostText, reopeningText, type FileForm } from "./kept";
 import { occasionIn, withOccasion } from "./occasion";
 import type { Outbox } from "./outbox";
 import { tooManyLevels } from "./outbox-words";
@@ -86,7 +86,7 @@ export class Output {
       if (!profile) return;
       const older = await this.page.listed(name);
       const kept = older ? `the older file is kept as ${older.replace(/\.ssp$/i, "")}_bck_(date)_(time).ssp.` : "";
-      const remarks = [kept, tooManyLevels(profile.count), joinedText(profile, identifier)];
+      const remarks = [kept, tooManyLevels(profile.count), joinedText(profile, identifier), reopeningText(profile)];
       const job = this.saveJob(profile, name, { kind: identifier }, remarks);
       this.outbox.begin(job, Action.save, saveDatagramBody(profile, name, identifier, occasionIn(profile)));
     });
