@@ -53,6 +53,11 @@ export class Asker {
     });
   }
 
+  /// Whether an answer to such a request is waited for.
+  isWaiting(action: Action): boolean {
+    return this.waiting.some((each) => each.action === action && each.resolve);
+  }
+
   /// Gives up on requests that stayed without an answer; to be called now and then.
   expire(): void {
     const isLate = ({ since }: Waiting) => this.now() - since > ANSWER_LIMIT_MS;

@@ -6,10 +6,10 @@ import type { Unsaved, UnsavedStore } from "./unsaved-store";
 
 export interface BringBackMeans {
   hasCast(): boolean;
-  /// Goes on when the user agrees to leave what is on the page.
-  leaving(go: () => void): void;
-  /// Opens what a file holds, with these edits made to it in one step.
-  restore(inFile: Profile, edited: Profile): void;
+  /// Goes on when the user agrees to leave what is on the page. False when not.
+  leaving(go: () => void): Promise<boolean>;
+  /// Opens what a file held, with these edits made to it in one step.
+  restore(left: Unsaved): void;
   /// Takes all edits back, in a step that can itself be taken back.
   discard(inFile: Profile): void;
 }
@@ -21,8 +21,9 @@ export async function bringBack(
   messages: Pick<Messages, "add">,
   means: BringBackMeans,
 ): Promise<void> {
-  const restore = ({ at, inFile, edited }: Unsaved) => {
-    means.restore(inFile, edited);
+  const restore = (left: Unsaved) => {
+    const { at, inFile, edited } = left;
+    means.restore(left);
     messages.add({
       kind: "notice",
       key: "restored",

@@ -18,29 +18,40 @@ export interface CastFolder {
   casts: Cast[];
 }
 
+/// A list takes a fraction of this, also in a folder of thousands.
+const ANSWER_LIMIT_MS = 10_000;
+
 /// Reads the folder's list from the host, with files that end in one of `endings` besides the casts
 /// that it knows and without those that the page has written for itself. Rejects with a sentence for the user.
 export async function fetchCasts(endings: readonly string[]): Promise<CastFolder> {
   const query = new URLSearchParams(endings.map((ending) => ["also", ending])).toString();
-  let response: Response;
+  const stop = new AbortController();
+  const limit = setTimeout(() => stop.abort(), ANSWER_LIMIT_MS);
+  const failure = (reason: string) => new Error(stop.signal.aborted ? NO_ANSWER : reason);
   try {
-    response = await fetch(query ? `api/casts?${query}` : "api/casts", { cache: "no-store" });
-  } catch {
-    throw new Error("the host cannot be reached");
-  }
-  if (!response.ok) throw new Error(`the host answered ${response.status}`);
-  try {
-    const answer = (await response.json()) as Partial<CastFolder>;
+    const response = await fetch(query ? `api/casts?${query}` : "api/casts", { cache: "no-store", signal: stop.signal })
+      .catch(() => {
+        throw failure("the host cannot be reached. The list is read again once it is connected.");
+      });
+    if (!response.ok) throw new Error(`the host answered ${response.status}. Press Refresh to try again.`);
+    const answer = (await response.json().catch(() => {
+      throw failure("the host's answer cannot be read. Load the page again, so that it fits the host.");
+    })) as Partial<CastFolder>;
     const casts = answer.casts ?? [];
     return { folder: answer.folder ?? "", casts: casts.filter(({ name }) => !isOwnFile(name)) };
-  } catch {
-    throw new Error("the host's answer cannot be read");
+  } finally {
+    clearTimeout(limit);
   }
 }
+
+const NO_ANSWER =
+  `the host has not answered within ${ANSWER_LIMIT_MS / 1000} seconds. ` +
+  "Look whether it is still running, and start it again if it hangs; the page goes on trying.";
 
 export class CastList {
   private current = "";
   private names: readonly string[] = [];
+  private shown = "";
 
   constructor(
     private readonly list: HTMLElement,
@@ -51,6 +62,10 @@ export class CastList {
   }
 
   show({ folder, casts }: CastFolder): void {
+    // It is read far more often than it changes.
+    const text = JSON.stringify([folder, casts]);
+    if (text === this.shown) return;
+    this.shown = text;
     const focused = document.activeElement?.closest<HTMLElement>("[data-name]")?.dataset["name"];
     this.names = casts.map(({ name }) => name);
     this.list.replaceChildren(...casts.map((cast) => this.item(cast)));

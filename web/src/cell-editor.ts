@@ -23,16 +23,17 @@ export class CellEditor {
   private isTaking = false;
   private readonly input = make("input", "cell-input");
 
-  /// `label` names the cell for a screen reader; `faultId` is the element that tells of refusals.
+  /// `begun` is what the user has typed already in place of `text`. `label` names the cell for a screen reader; `faultId` is the element that tells of refusals.
   constructor(
     private readonly cell: HTMLElement,
     private readonly text: string,
+    begun: string | undefined,
     label: string,
     faultId: string,
     private readonly events: CellEditorEvents,
   ) {
     const { input } = this;
-    input.value = text;
+    input.value = begun ?? text;
     input.inputMode = "decimal";
     input.autocomplete = "off";
     input.spellcheck = false;
@@ -55,7 +56,8 @@ export class CellEditor {
     cell.replaceChildren(input);
     cell.classList.add("editing");
     input.focus();
-    input.select();
+    if (begun === undefined) input.select();
+    else input.setSelectionRange(begun.length, begun.length);
   }
 
   /// Leaves the cell as it was, unless what is in it is being taken just now.
@@ -64,8 +66,14 @@ export class CellEditor {
   }
 
   private key(event: KeyboardEvent): void {
+    // Saving takes what is typed along; what is refused keeps the key.
+    if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s" && this.take()) return this.close("stay");
     // Keys of the table and of the page rest.
     event.stopPropagation();
+    if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s") {
+      event.preventDefault();
+      return this.refuse();
+    }
     if (event.key === "Escape") {
       event.preventDefault();
       this.close("stay");
@@ -74,7 +82,11 @@ export class CellEditor {
     const how = ENDS[event.key]?.(event);
     if (!how) return;
     event.preventDefault();
-    if (this.take()) return this.close(how);
+    if (this.take()) this.close(how);
+    else this.refuse();
+  }
+
+  private refuse(): void {
     this.input.setAttribute("aria-invalid", "true");
     this.input.select();
   }

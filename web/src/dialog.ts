@@ -1,5 +1,6 @@
 /// Questions to the user: a text, perhaps some fields, and two buttons.
 import { button, make } from "./dom";
+import { forgetTyped, heedTyped } from "./typed-input";
 
 export interface Field {
   key: string;
@@ -67,6 +68,7 @@ export function ask(question: Question): Promise<Answer | null> {
   dialog.append(form);
   document.body.append(dialog);
 
+  heedTyped(dialog, () => inputs.some((input) => input.isTyped));
   return new Promise((answered) => {
     let answer: Answer | null = null;
     form.addEventListener("submit", (event) => {
@@ -82,6 +84,7 @@ export function ask(question: Question): Promise<Answer | null> {
     });
     dialog.addEventListener("close", () => {
       dialog.remove();
+      forgetTyped(dialog);
       answered(answer);
     });
     dialog.showModal();
@@ -135,6 +138,10 @@ class Input {
 
   get value(): string {
     return this.input.value.trim();
+  }
+
+  get isTyped(): boolean {
+    return this.input.value !== this.field.value;
   }
 
   accepts(): boolean {

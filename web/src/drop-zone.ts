@@ -5,17 +5,21 @@ export interface DropEvents {
   /// Whether files can be taken now.
   accepts(): boolean;
   dropped(files: readonly PickedFile[]): void;
+  /// Files were dropped when they cannot be taken.
+  refused(files: readonly PickedFile[]): void;
 }
 
 /// Takes files that are dropped on the page, and shows `hint` while some are held over it. Without
 /// this the browser would leave the page for the file.
-export function listenForDrops(hint: HTMLElement, { accepts, dropped }: DropEvents): void {
+export function listenForDrops(hint: HTMLElement, { accepts, dropped, refused }: DropEvents): void {
+  const words = hint.querySelector("p") ?? hint;
   const hold = (event: DragEvent) => {
     if (!event.dataTransfer?.types.includes("Files")) return;
     event.preventDefault();
-    const isTaken = accepts();
-    event.dataTransfer.dropEffect = isTaken ? "copy" : "none";
-    hint.hidden = !isTaken;
+    // Without an effect the browser would not tell of the drop.
+    event.dataTransfer.dropEffect = "copy";
+    words.textContent = accepts() ? "Drop to open" : "Close the dialog first";
+    hint.hidden = false;
   };
   document.addEventListener("dragenter", hold);
   document.addEventListener("dragover", hold);
@@ -27,6 +31,7 @@ export function listenForDrops(hint: HTMLElement, { accepts, dropped }: DropEven
     const { dataTransfer } = event;
     if (!dataTransfer?.types.includes("Files")) return;
     event.preventDefault();
-    if (accepts() && dataTransfer.files.length > 0) dropped([...dataTransfer.files]);
+    const files = [...dataTransfer.files];
+    if (files.length > 0) (accepts() ? dropped : refused)(files);
   });
 }

@@ -4,6 +4,7 @@ import type { CastView } from "./cast-view";
 import { typedValue, untouchable } from "./cell-values";
 import type { Column } from "./columns";
 import { byId } from "./dom";
+import { notOpenText } from "./engine-words";
 import { formatCount, formatValue } from "./format";
 import { HeaderDialog } from "./header-dialog";
 import { InsertDialog, type TypedLevel } from "./insert-dialog";
@@ -28,9 +29,9 @@ export interface EditingEvents {
 }
 
 export class Editing {
-  private readonly insertDialog = new InsertDialog((level) => this.insertTyped(level));
+  private readonly insertDialog = new InsertDialog((before, level) => this.insertTyped(before, level));
   private readonly headerDialog = new HeaderDialog((before, after) => {
-    if (after === before || before !== this.open) return;
+    if (after === before || !this.isOpen(before)) return;
     this.events.changed("Undo header", after, "here", false);
     const ahead = before.header.hsvp_filetime === after.header.hsvp_filetime ? "" : aheadText(after);
     if (ahead) this.events.told(ahead);
@@ -117,6 +118,13 @@ export class Editing {
     return this.view().open;
   }
 
+  /// Whether a dialog's result is for what is on the page; what it was made for is said where not.
+  private isOpen(before: Profile): boolean {
+    if (before === this.open) return true;
+    this.events.told(notOpenText(before));
+    return false;
+  }
+
   private untouchable(column: Column, level: number): string {
     const reason = this.open ? untouchable(this.open, column, level) : "";
     this.tellFault(reason);
@@ -168,10 +176,9 @@ export class Editing {
     if (this.open) this.insertDialog.show(this.open, this.view().shownColumns);
   }
 
-  private insertTyped({ index, values, typed }: TypedLevel): void {
-    const { open } = this;
-    if (!open) return;
-    this.events.changed("Undo insert", withEdited(withLevel(open, index, values), typed), index, false);
+  private insertTyped(before: Profile, { index, values, typed }: TypedLevel): void {
+    if (!this.isOpen(before)) return;
+    this.events.changed("Undo insert", withEdited(withLevel(before, index, values), typed), index, false);
   }
 
   private insertInPlot(depth: number, value: number, key: ListKey): void {

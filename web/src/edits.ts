@@ -41,14 +41,19 @@ export class Edits<Verdict> {
   /// Which states the files that this cast was read from and written to hold, by their names.
   private files = new Map<string, number>();
   private held: Profile | null = null;
+  private heldIn = "";
   private origin: Profile | null = null;
+  /// What was opened is no longer in its file, and in no other.
+  private isOutdated = false;
 
-  /// A cast was opened; nothing was done to it.
-  opened(profile: Profile): void {
+  /// A cast was opened from the file of this name; nothing was done to it.
+  opened(profile: Profile, name = profile.filename): void {
     this.done = [];
     this.taken = [];
-    this.files = new Map([[baseName(profile.filename), this.revisionOf(profile)]]);
+    this.files = new Map([[baseName(name), this.revisionOf(profile)]]);
     this.held = this.origin = profile;
+    this.heldIn = name;
+    this.isOutdated = false;
   }
 
   /// Something was done. `label` says what a step back undoes, as in "Undo extend". `isLocal` when
@@ -70,6 +75,28 @@ export class Edits<Verdict> {
   saved(name: string, profile: Profile): void {
     this.files.set(baseName(name), this.revisionOf(profile));
     this.held = profile;
+    this.heldIn = name;
+  }
+
+  /// A file of this name holds something else now, or is gone, by somebody else's doing.
+  lost(name: string, what: "changed" | "gone"): void {
+    const revision = this.files.get(baseName(name));
+    this.files.delete(baseName(name));
+    const isOrigin = this.origin !== null && revision === this.revisionOf(this.origin);
+    if (isOrigin) this.isOutdated = what === "changed";
+  }
+
+  /// Whether something that the user has done is lost when this profile is. What was opened and whose
+  /// file has changed since is in no file, but nobody's work.
+  isWork(profile: Profile): boolean {
+    const isAsOpened = this.origin !== null && this.revisionOf(profile) === this.revisionOf(this.origin);
+    return this.isUnsaved(profile) && !(isAsOpened && this.isOutdated);
+  }
+
+  /// What the file of this name holds if it is still what was opened; else null.
+  openedFrom(name: string): Profile | null {
+    const { origin } = this;
+    return origin && this.files.get(baseName(name)) === this.revisionOf(origin) ? origin : null;
   }
 
   /// A file of this name was written, and holds what was no state of this cast.
@@ -85,6 +112,11 @@ export class Edits<Verdict> {
   /// What a file has been known last to hold of the open cast; null before one was opened.
   get inFile(): Profile | null {
     return this.held;
+  }
+
+  /// Name of the file that holds it.
+  get inFileName(): string {
+    return this.heldIn;
   }
 
   /// Label of the step back, "" where there is none.

@@ -18,6 +18,9 @@ import { PendingRequests, type PendingRequest } from "./requests";
 /// An engine that has not answered for this long has not understood, or has stopped.
 const ANSWER_LIMIT_MS = 30_000;
 
+/// An extension file is handed in as soon as its name is known.
+const EXTENSION_LIMIT_MS = 10_000;
+
 const BRACKETED = "The name holds a bracket, which cannot be sent. Rename the file.";
 
 export interface Verdict {
@@ -31,10 +34,16 @@ export interface Verdict {
 export interface EngineEvents {
   opened(profile: Profile): void;
   openFailed(name: string, reason: string): void;
+  /// A failure that was told of this file was that of another one, which somebody else had asked for:
+  /// the answer has come now.
+  openFailedFalsely(name: string): void;
   checked(profile: Profile, verdict: Verdict): void;
   checkFailed(name: string, reason: string): void;
   /// Somebody else had a profile opened.
   openedElsewhere(profile: Profile): void;
+  /// Somebody else had a file opened that could not be: another page, or the survey system. Its name
+  /// is not known. Also told of what other parts of this page ask for.
+  openFailedElsewhere(reason: string): void;
   alerted(text: string): void;
   /// The engine did not answer at all when the page reported to it.
   silent(): void;
@@ -91,6 +100,8 @@ export class Engine {
   private readonly pending = new PendingRequests<Subject>();
   private readonly uploads = new Set<UploadRecord>();
   private readonly looks = new Set<LookRecord>();
+  /// When a page asked for the name of an extension file last.
+  private extensionAt = -Infinity;
 
   constructor(
     private readonly connection: Connection,
@@ -98,6 +109,7 @@ export class Engine {
     private readonly now: () => number = Date.now,
   ) {
     connection.on(Action.open, (packet) => this.onOpen(packet));
+    connection.on(Action.extensionName, () => (this.extensionAt = this.now()));
     connection.on(Action.check, (packet) => this.onCheck(packet));
     connection.on(Action.ready, () => this.pending.succeeded(Action.ready, () => true));
     connection.on(Action.alert, ({ alert, reason }) => events.alerted(alert ?? reason ?? ""));
@@ -236,14 +248,16 @@ export class Engine {
       if (isOwnFile(packet.filename ?? "")) return;
       const profile = profileOf(packet);
       let subject: Subject = null;
+      let wasFailed = false;
       const standing = pending.succeeded(Action.open, (request) => {
-        subject = request.subject;
+        ({ subject, failed: wasFailed } = request);
         return sameFile(request.key, profile.filename);
       });
       const upload = uploadIn(standing === "foreign" ? null : subject);
       if (upload && standing === "mine") upload.profile = profile;
       const look = lookIn(standing === "foreign" ? null : subject);
       if (look) this.endLook(look, { profile });
+      if (standing === "mine" && wasFailed) events.openFailedFalsely(profile.filename);
       if (standing === "mine") events.opened(profile);
       else if (standing === "foreign") events.openedElsewhere(profile);
       this.endUploads();
@@ -257,6 +271,15 @@ export class Engine {
     if (look) this.endLook(look, { reason: reason || "The engine gives no reason." });
     // An upload is told its own failure by the answer to its POST.
     if (standing === "mine" && !uploadIn(subject)) this.events.openFailed(key, reason);
+    if (standing === "foreign" && !this.isExtension()) this.events.openFailedElsewhere(reason);
+  }
+
+  /// Whether what is opened now is most likely an extension file that a page has handed in. It is no
+  /// cast, and that the engine cannot open it is no news to anybody.
+  private isExtension(): boolean {
+    const isAwaited = this.now() - this.extensionAt < EXTENSION_LIMIT_MS;
+    this.extensionAt = -Infinity;
+    return isAwaited;
   }
 
   private onCheck(packet: Packet): void {

@@ -17,6 +17,7 @@ import {
   type Filter,
 } from "./filters";
 import type { PickedFile } from "./uploads";
+import { heedTyped } from "./typed-input";
 
 export interface FilterDialogEvents {
   /// Something was done, in words for the user.
@@ -143,6 +144,7 @@ export class FilterDialog {
       event.preventDefault();
       this.close();
     });
+    heedTyped(dialog, () => this.isChanged);
     this.form.element.addEventListener("keydown", ({ key, target }) => {
       if (key === "Enter" && target instanceof HTMLInputElement) void this.save();
     });

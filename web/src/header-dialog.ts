@@ -1,12 +1,16 @@
 /// The dialog in which the header of the open cast is edited.
+import { ask } from "./dialog";
 import { button, make } from "./dom";
 import { fieldOf, fieldText, kindChoices, kindFault, withHeader } from "./header-edit";
-import { headerRows } from "./header-fields";
+import { headerLabel, headerRows } from "./header-fields";
 import type { Profile } from "./profile";
 import type { HeaderKey } from "./protocol";
+import { heedTyped } from "./typed-input";
 
 interface Row {
   input: HTMLInputElement | HTMLSelectElement;
+  /// What was in it at first.
+  shown: string;
   fault: HTMLElement;
 }
 
@@ -16,8 +20,20 @@ export class HeaderDialog {
 
   /// `taken` gets the profile before and after; they are the same where nothing was changed.
   constructor(private readonly taken: (before: Profile, after: Profile) => void) {
-    this.dialog.setAttribute("aria-labelledby", "header-dialog-title");
-    document.body.append(this.dialog);
+    const { dialog } = this;
+    dialog.setAttribute("aria-labelledby", "header-dialog-title");
+    // The browser closes a dialog on a second Escape whatever was typed; so the key is taken here.
+    dialog.addEventListener("keydown", (event) => {
+      if (event.key !== "Escape" || event.defaultPrevented) return;
+      event.preventDefault();
+      void this.close();
+    });
+    dialog.addEventListener("cancel", (event) => {
+      event.preventDefault();
+      void this.close();
+    });
+    heedTyped(dialog, () => this.typed.length > 0);
+    document.body.append(dialog);
   }
 
   /// Opens the dialog, at one of its fields.
@@ -25,6 +41,25 @@ export class HeaderDialog {
     this.build(profile);
     this.dialog.showModal();
     this.rows.get(at)?.input.focus();
+  }
+
+  /// Labels of the fields in which something else stands than at first.
+  private get typed(): string[] {
+    return [...this.rows].filter(([, { input, shown }]) => input.value !== shown).map(([key]) => headerLabel(key));
+  }
+
+  /// Goes once the user agrees to lose what was typed.
+  private async close(): Promise<void> {
+    const { typed } = this;
+    if (typed.length > 0) {
+      const answer = await ask({
+        title: "Close without applying?",
+        text: [`What was typed is in the header of no cast yet: ${typed.join(", ")}.`],
+        confirm: "Close",
+      });
+      if (!answer) return;
+    }
+    this.dialog.close();
   }
 
   private build(profile: Profile): void {
@@ -36,7 +71,7 @@ export class HeaderDialog {
     const confirm = make("button", "primary", "Apply");
     confirm.type = "submit";
     const form = make("form", "", title, fields,
-      make("div", "question-buttons", button("", "Cancel", () => this.dialog.close()), confirm));
+      make("div", "question-buttons", button("", "Cancel", () => void this.close()), confirm));
     form.method = "dialog";
     form.noValidate = true;
     form.addEventListener("submit", (event) => {
@@ -66,7 +101,7 @@ export class HeaderDialog {
     fault.hidden = true;
     input.setAttribute("aria-describedby", `${hint.id} ${fault.id}`);
     input.addEventListener("input", () => this.tell(key, ""));
-    this.rows.set(key, { input, fault });
+    this.rows.set(key, { input, shown: input.value, fault });
     return make("div", `header-field header-field-${key}`, name, input, hint, fault);
   }
 

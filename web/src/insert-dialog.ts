@@ -7,6 +7,7 @@ import { offerFor, type Offer, type Values } from "./level-edits";
 import { NumberField } from "./number-field";
 import type { Profile } from "./profile";
 import type { ListKey } from "./protocol";
+import { heedTyped } from "./typed-input";
 import { typedNumber } from "./typed-number";
 
 /// A level to put in, and which of its values the user has typed in place of what was offered.
@@ -24,9 +25,11 @@ export class InsertDialog {
   private profile: Profile | null = null;
   private columns: readonly Column[] = [];
 
-  constructor(private readonly taken: (level: TypedLevel) => void) {
+  /// `taken` gets the profile that the level was stated for.
+  constructor(private readonly taken: (profile: Profile, level: TypedLevel) => void) {
     this.dialog.setAttribute("aria-labelledby", "insert-title");
     this.dialog.addEventListener("close", () => (this.profile = null));
+    heedTyped(this.dialog, () => this.typed.size > 0 || (this.fields.get("svp_Depth")?.input.value ?? "") !== "");
     document.body.append(this.dialog);
   }
 
@@ -67,7 +70,7 @@ export class InsertDialog {
     form.noValidate = true;
     form.addEventListener("submit", (event) => {
       event.preventDefault();
-      this.take();
+      this.take(profile);
     });
     this.dialog.replaceChildren(form);
   }
@@ -97,7 +100,7 @@ export class InsertDialog {
     place.textContent = profile && this.offer ? placeText(profile, this.offer) : "";
   }
 
-  private take(): void {
+  private take(profile: Profile): void {
     const all = [...this.fields].map(([key, field]) => ({ key, field, value: field.take() }));
     const wrong = all.find(({ field }) => field.input.getAttribute("aria-invalid") === "true");
     if (wrong) return wrong.field.focus();
@@ -114,7 +117,7 @@ export class InsertDialog {
     // Without a column of its own the probe's speed says the same as the speed.
     if (typed.includes("svp_Speed")) values.svp_Speed_CTD = values.svp_Speed;
     this.dialog.close();
-    this.taken({ index: offer.index, values, typed });
+    this.taken(profile, { index: offer.index, values, typed });
   }
 }
 

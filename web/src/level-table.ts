@@ -20,6 +20,9 @@ interface Row {
 const PAGE = 15;
 const SCROLLBAR = 16;
 
+/// Keys that begin a number. Comma and point are both taken for the decimal mark.
+const BEGINS_NUMBER = /^[0-9.,\-−]$/;
+
 export interface TableEvents {
   /// The user picked a level.
   select(level: number): void;
@@ -48,6 +51,8 @@ export class LevelTable {
   private columns: readonly Column[] = [];
   private widths: readonly number[] = [];
   private editor: CellEditor | null = null;
+  /// What is typed until the cell is there to be typed into.
+  private ahead: string | null = null;
   /// The library's rows, which it finds by walking them all.
   private rows: readonly RowComponent[] | null = null;
   /// Rows that are painted as selected together with others.
@@ -221,13 +226,25 @@ export class LevelTable {
     await this.reveal(level);
     const cell = this.cellAt(level, column.key);
     if (!cell || this.editor || level !== this.selected) return;
+    const begun = this.ahead ?? undefined;
     const text = this.textOf(level, this.place);
     const label = `${column.label} of level ${level + 1}${column.unit && `, ${column.unit}`}`;
-    this.editor = new CellEditor(cell, text === ABSENT ? "" : text, label, this.faultId, {
+    this.editor = new CellEditor(cell, text === ABSENT ? "" : text, begun, label, this.faultId, {
       take: (typed) => this.events.typed(level, column.key, typed),
       left: (how) => this.leave(level, how),
       typed: () => this.events.mended(),
     });
+  }
+
+  /// Opens the cell that the keyboard is at with what is typed in place of its value.
+  private async editWith(typed: string): Promise<void> {
+    if (this.ahead !== null) {
+      this.ahead += typed;
+      return;
+    }
+    this.ahead = typed;
+    await this.edit();
+    this.ahead = null;
   }
 
   private leave(level: number, how: Leaving): void {
@@ -292,6 +309,14 @@ export class LevelTable {
     this.unmarkRange();
     this.events.select(level);
     this.anchor = anchor;
+    this.paintRows();
+  }
+
+  /// Selects all levels. The first is the one that the keyboard is at: it is where a user looks next.
+  private pickAll(): void {
+    this.unmarkRange();
+    this.events.select(0);
+    this.anchor = this.count - 1;
     this.paintRows();
   }
 
@@ -390,8 +415,13 @@ export class LevelTable {
   }
 
   private key(event: KeyboardEvent): void {
-    if (this.count === 0 || event.ctrlKey || event.altKey || event.metaKey) return;
-    if (!this.move(event) && !this.act(event)) return;
+    if (this.count === 0 || event.altKey) return;
+    if (event.ctrlKey || event.metaKey) {
+      if (event.key.toLowerCase() !== "a" || event.shiftKey) return;
+      this.pickAll();
+    } else if (!this.move(event) && !this.act(event)) {
+      return;
+    }
     event.preventDefault();
     event.stopPropagation();
   }
@@ -436,7 +466,9 @@ export class LevelTable {
         this.pick(this.selected, false);
         return true;
       default:
-        return false;
+        if (!BEGINS_NUMBER.test(event.key)) return false;
+        void this.editWith(event.key);
+        return true;
     }
   }
 }

@@ -14,6 +14,10 @@ export class LinkState {
     private readonly opened: () => void,
   ) {}
 
+  get isOpen(): boolean {
+    return this.wasOpen && this.lostAt === null;
+  }
+
   show(state: ConnectionState): void {
     const badge = byId("connection");
     badge.dataset["state"] = state.kind === "connecting" && this.lostAt ? "lost" : state.kind;

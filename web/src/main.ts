@@ -1,4 +1,5 @@
 /// The page: its parts made and joined.
+import { Arrivals } from "./arrivals";
 import { Asker } from "./asker";
 import { bringBack } from "./bring-back";
 import { joinedText } from "./carried";
@@ -7,7 +8,7 @@ import { CastView, type CastState } from "./cast-view";
 import { CompareDialog } from "./compare-dialog";
 import { ComparedCasts } from "./compared-casts";
 import { Connection } from "./connection";
-import { ask, isAsking } from "./dialog";
+import { isAsking } from "./dialog";
 import { byId, setDisabled } from "./dom";
 import { listenForDrops } from "./drop-zone";
 import { Editing } from "./editing";
@@ -16,11 +17,14 @@ import { Engine } from "./engine";
 import { ExtendDialog } from "./extend-dialog";
 import { extendedText, thinnedText } from "./extend-words";
 import { Extender } from "./extender";
+import { OUTPUT_WAITS, SILENT, checkFailedText, elsewhereFailedText, notOpenText, refusedText } from "./engine-words";
+import type { Stamp } from "./file-watch";
 import { FilterDialog } from "./filter-dialog";
 import { FilterTable, browserSafe } from "./filter-table";
+import { Folder } from "./folder";
 import { LinkState } from "./link-state";
 import { Messages } from "./messages";
-import { isAboutFilter, openFailedText } from "./open-words";
+import { isAboutFilter, openFailedText, refusedDropText } from "./open-words";
 import { Outbox } from "./outbox";
 import {
   CHECK_REFUSAL,
@@ -35,14 +39,16 @@ import { KeptEdits, editsLost, lostText, type FileForm } from "./kept";
 import { Output, leftOut, writable } from "./output";
 import { OutputMenus } from "./output-menus";
 import { isOwnFile } from "./own-files";
+import { pageKeys } from "./page-keys";
 import { postFile } from "./post-file";
-import { sameFile, sameProfile, type Profile } from "./profile";
+import type { Profile } from "./profile";
 import { Action, SUCCESS } from "./protocol";
 import { Repair } from "./repair";
-import { explainShortcuts, listenForShortcuts, type Shortcut } from "./shortcuts";
+import { explainShortcuts, listenForShortcuts } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
 import { ThinDialog } from "./thin-dialog";
 import { Thinner, type ThinnedFile } from "./thinner";
+import { hasTypedInput } from "./typed-input";
 import { UnsavedStore } from "./unsaved-store";
 import { Uploads, type PickedFile } from "./uploads";
 
@@ -55,7 +61,7 @@ const editing: Editing = new Editing((): CastView => castView, {
   told: (text) => messages.add({ kind: "notice", text }),
 });
 const castView = new CastView(editing.inTable, editing.inPlot);
-const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => void leaving(() => engine.open(name)));
+const castList = new CastList(byId("cast-list"), byId("cast-summary"), (name) => void arrivals.leaving(() => engine.open(name)));
 const connection = new Connection(new URL("ws", location.href).href.replace(/^http/, "ws"));
 const edits = new Edits<NonNullable<CastState["verdict"]>>();
 const unsaved = new UnsavedStore((reason) =>
@@ -68,29 +74,62 @@ const unsaved = new UnsavedStore((reason) =>
 const keptEdits = new KeptEdits();
 const checkButton = byId<HTMLButtonElement>("check");
 
+const arrivals: Arrivals = new Arrivals({
+  open: () => castView.open,
+  isWork: (profile) => edits.isWork(profile),
+  isOpening: () => engine.opening !== "",
+  show,
+  read: (name) => engine.open(name),
+  readElsewhere: (profile) => folder.readElsewhere(profile),
+  tell: (message) => messages.add(message),
+});
+
 const engine = new Engine(connection, {
-  opened: arrived,
+  opened: (profile) => arrivals.arrived(profile),
   openFailed: (name, reason) => {
-    agreed = null;
+    arrivals.failed();
     messages.add({
       kind: "failure",
-      key: openFailure(name),
+      key: `open:${name}`,
       text: openFailedText(name, reason),
       ...(isAboutFilter(name, reason) ? { action: toFilters(null) } : {}),
     });
   },
+  openFailedFalsely: (name) => messages.dismiss(`open:${name}`),
   checked: (profile, verdict) => {
     if (profile === castView.open) castView.showVerdict(verdict);
   },
   checkFailed: (name, reason) =>
-    messages.add({ kind: "failure", text: `${name} could not be checked. ${reason}` }),
+    messages.add({ kind: "failure", text: checkFailedText(name, reason) }),
   openedElsewhere: (profile) => {
-    if (!repair.isReading(profile.filename)) offer(profile);
+    if (repair.isReading(profile.filename)) return;
+    // Most likely it was handed in there, and is new to the folder.
+    if (!castList.listed(profile.filename)) void folder.refresh();
+    arrivals.elsewhere(profile);
+  },
+  openFailedElsewhere: (reason) => {
+    if (!asker.isWaiting(Action.open)) messages.add({ kind: "failure", text: elsewhereFailedText(reason) });
   },
   alerted: (text) => messages.add({ kind: "alert", text: text || "Alert without a text" }),
-  silent: () => messages.add({ kind: "failure", text: "The engine does not answer." }),
-  refused: (reason) =>
-    messages.add({ kind: "failure", text: `The host refused a request. ${reason}` }),
+  silent: () => messages.add({ kind: "failure", text: SILENT }),
+  refused: (reason) => messages.add({ kind: "failure", text: refusedText(reason) }),
+  waiting: showWaiting,
+});
+const folder = new Folder(castList, edits, {
+  look: (name) => engine.look(name),
+  isConnected: () => linkState.isOpen,
+  changed: ({ name, what }) => {
+    edits.lost(name, what);
+    showEdits();
+    if (what === "changed") {
+      const text = `${name} has changed on disk since it was opened. What is on the page is not what the file holds now.`;
+      return arrivals.offer(`disk:${name}`, text, name);
+    }
+    const text = `${name} is no longer in the profile folder. What is on the page is in no file: save it to keep it.`;
+    messages.add({ kind: "notice", key: `disk:${name}`, text });
+  },
+  failed: (reason) => messages.add({ kind: "failure", key: "casts", text: `The casts could not be listed: ${reason}` }),
+  listed: () => messages.dismiss("casts"),
   waiting: showWaiting,
 });
 
@@ -108,14 +147,14 @@ const uploads = new Uploads(
   {
     stored: (text) => messages.add({ kind: "notice", text }),
     failed: (text, name, filterFile) => {
-      agreed = null;
+      arrivals.failed();
       messages.add({
         kind: "failure",
         text,
         ...(filterFile ? { action: toFilters({ file: filterFile, stored: name }) } : {}),
       });
     },
-    folderChanged: () => void refresh(),
+    folderChanged: () => void folder.refresh(),
     waiting: showWaiting,
   },
 );
@@ -127,7 +166,7 @@ const filterDialog = new FilterDialog(filterTable, {
   },
   leftUnstored: (text) =>
     messages.add({ kind: "failure", key: "filters", text, action: toFilters(null) }),
-  open: (file, stored) => void leaving(() => (stored ? engine.open(stored) : uploads.add([file]))),
+  open: (file, stored) => void arrivals.leaving(() => (stored ? engine.open(stored) : uploads.add([file]))),
 });
 
 /// The way to the import filters that a message offers, with the file that needs one.
@@ -141,7 +180,7 @@ const outbox = new Outbox(connection, {
     const missing = job.profile ? wrote(job.name, job.profile, job.lost) : [];
     showEdits();
     messages.add({ kind: "notice", text: savedText(job, path, missing) });
-    void refresh();
+    void folder.refresh();
   },
   handedOn: (job, words) => messages.add({ kind: "notice", text: handedOnText(job, words) }),
   failed: (job, reason) =>
@@ -150,16 +189,18 @@ const outbox = new Outbox(connection, {
       text: failedText(job, reason),
       ...(reason === CHECK_REFUSAL ? { action: { label: "Check", run: check } } : {}),
     }),
-  savedElsewhere: () => void refresh(),
+  savedElsewhere: (path) => folder.savedElsewhere(path),
   waiting: showWaiting,
 });
 const output = new Output(outbox, {
   open: () => castView.open,
-  listed: listedNow,
+  listed: (name) => folder.listed(name),
+  isChanged: (name) => folder.watch.isChanged(name),
   fileDate,
   stated: (before, after) => {
     if (before === castView.open) change("Undo time and place", after, "here");
   },
+  waits: () => messages.add({ kind: "notice", key: "output-waits", text: OUTPUT_WAITS }),
 });
 const asker = new Asker(connection, [
   Action.extendDefault, Action.extendTempSal, Action.extendFile, Action.extensionName, Action.thin, Action.open,
@@ -168,7 +209,7 @@ const asker = new Asker(connection, [
 const extendDialog = new ExtendDialog(new Extender(asker, postFile), {
   extended: (before, way, result) => {
     const text = extendedText(before, way, result);
-    if (before !== castView.open) return;
+    if (before !== castView.open) return messages.add({ kind: "notice", text: notOpenText(before) });
     if (result.joined > 0 || result.surface) change("Undo extend", result.profile);
     messages.add({ kind: "notice", text });
   },
@@ -185,12 +226,12 @@ const thinDialog = new ThinDialog(new Thinner(asker, connection), {
     const joined = form === "asvp" ? "" : joinedText(after, form.kind);
     const said = [remark && `The file has ${remark}`, lostText(lost, form), joined];
     messages.add({ kind: "notice", text: thinnedText(before, file, after.count, said.filter(Boolean)) });
-    void refresh().then(() => castList.mark(after.filename));
+    void folder.refresh().then(() => castList.mark(after.filename));
   },
   written: wroteThinned,
   stated: (profile) => output.stated(profile),
   writable,
-  listed: listedNow,
+  listed: (name) => folder.listed(name),
   extend: () => extend(),
   check: () => check(),
 });
@@ -198,35 +239,29 @@ const repair = new Repair(asker, connection, {
   open: () => castView.open,
   earlier: () => castView.open && edits.earlier(castView.open),
   change,
-  saved: (name, profile) => edits.saved(name, profile),
+  saved: (name, profile) => void wrote(name, profile),
   mark: (name) => castList.mark(name),
   notice: (text) => messages.add({ kind: "notice", text }),
   failure: (text) => messages.add({ kind: "failure", text }),
-  refresh: () => refresh(),
-  listed: listedNow,
+  refresh: () => folder.refresh(),
+  listed: (name) => folder.listed(name),
   stated: (profile) => output.stated(profile),
   writable,
   check: () => check(),
 });
 // A file that this page or another one has written.
 connection.on(Action.thin, ({ result, file }) => {
-  if (result === SUCCESS && file && !isOwnFile(file)) void refresh();
+  if (result === SUCCESS && file && !isOwnFile(file)) void folder.refresh();
 });
 
 function wroteThinned(before: Profile, { path }: ThinnedFile): void {
   messages.add({ kind: "notice", text: `${before.filename} was thinned and written as ${path}.` });
 }
 
-/// The name in the profile folder, read anew, of a file that `name` would replace, or "".
-async function listedNow(name: string): Promise<string> {
-  await refresh();
-  return castList.listed(name);
-}
-
 /// When a file of the profile folder was last written; null where that cannot be told.
 async function fileDate(name: string): Promise<Date | null> {
   try {
-    const { casts } = await fetchCasts(endings);
+    const { casts } = await fetchCasts(folder.endings);
     const date = new Date(casts.find((cast) => cast.name === name)?.modified ?? "");
     return Number.isNaN(date.getTime()) ? null : date;
   } catch {
@@ -240,52 +275,23 @@ function wrote(name: string, profile: Profile, lost: readonly string[] = []): re
   const missing = keptEdits.wrote(profile, lost);
   if (missing.length === 0) edits.saved(name, profile);
   else edits.overwritten(name);
+  folder.watch.saved(name);
+  messages.dismiss(`disk:${name}`);
   return missing;
 }
 
 const outputMenus = new OutputMenus(output);
 
-/// The cast that the user has agreed to leave although it is not saved.
-let agreed: Profile | null = null;
-
-/// Goes on to another cast, with the user's consent where the one on the page is not saved.
-async function leaving(go: () => void): Promise<void> {
-  const { open } = castView;
-  if (open && edits.isUnsaved(open) && agreed !== open) {
-    const answer = await ask({
-      title: "Leave without saving?",
-      text: [`${open.filename} was changed and is not saved.`],
-      confirm: "Leave",
-    });
-    if (!answer) return;
-    agreed = open;
-  }
-  go();
-}
-
-const openFailure = (name: string) => `open:${name}`;
-
-/// A profile that this page has asked for. Levels that came to be meanwhile and are not saved are
-/// not put away for it.
-function arrived(profile: Profile): void {
-  // A failure that was told before it was another page's.
-  messages.dismiss(openFailure(profile.filename));
-  const { open } = castView;
-  if (!open || !edits.isUnsaved(open) || agreed === open) return show(profile);
-  messages.add({
-    kind: "notice",
-    key: `ready:${profile.filename}`,
-    text: `${profile.filename} is ready. ${open.filename} on the page is not saved.`,
-    action: { label: "Open it", run: () => void leaving(() => show(profile)) },
-  });
-}
-
-function show(profile: Profile): void {
-  agreed = null;
+/// Puts a cast on the page as a file of this name holds it; `stamp` is what that was like when it was
+/// read, if that was not just now.
+function show(profile: Profile, file = profile.filename, stamp: Stamp | null = null): void {
   comparison.opened(profile);
-  edits.opened(profile);
+  edits.opened(profile, file);
+  folder.watch.opened(file, stamp);
+  messages.dismiss(`disk:${file}`);
   repair.opened(profile);
   put({ profile, verdict: null });
+  void folder.refresh();
 }
 
 /// Puts a cast on the page, freshly opened or not.
@@ -326,13 +332,13 @@ function take(before: CastState, step: ReturnType<typeof edits.undo>): void {
 
 function showEdits(): void {
   const { open } = castView;
-  const { inFile, undoLabel, redoLabel } = edits;
+  const { inFile, inFileName, undoLabel, redoLabel } = edits;
   const isUnsaved = open !== null && edits.isUnsaved(open);
   showStep("undo", undoLabel);
   showStep("redo", redoLabel);
   byId("unsaved").textContent = isUnsaved ? "Not saved" : "";
   editing.refresh();
-  if (isUnsaved && inFile) unsaved.keep(inFile, open);
+  if (open && inFile && edits.isWork(open)) unsaved.keep(inFile, open, inFileName, folder.watch.stamp(inFileName));
   else unsaved.clear();
 }
 
@@ -356,23 +362,6 @@ function thin(): void {
   if (castView.open && !byId<HTMLButtonElement>("thin").disabled) thinDialog.show(castView.open);
 }
 
-/// A profile that another page, or the survey system, had opened: offered, never forced over the
-/// cast that this user is looking at.
-function offer(profile: Profile): void {
-  if (castView.open && sameProfile(castView.open, profile)) return;
-  const changed = castView.open !== null && sameFile(castView.open.filename, profile.filename);
-  // Most likely it was handed in there, and is new to the folder.
-  if (!castList.listed(profile.filename)) void refresh();
-  messages.add({
-    kind: "notice",
-    key: `elsewhere:${profile.filename}`,
-    text: changed
-      ? `${profile.filename} was opened elsewhere and has changed since.`
-      : `${profile.filename} was opened elsewhere.`,
-    action: { label: "Open it", run: () => void leaving(() => show(profile)) },
-  });
-}
-
 function showWaiting(): void {
   const { opening, checking } = engine;
   document.body.classList.toggle("waiting", opening !== "" || checking);
@@ -382,7 +371,7 @@ function showWaiting(): void {
   showUpload();
   byId("doing").textContent = uploads.current
     ? `Handing in ${uploads.current.name}…`
-    : opening ? `Opening ${opening}…` : workText(outbox.current);
+    : opening ? `Opening ${opening}…` : workText(outbox.current) || (folder.isSlow ? "Reading the list of casts…" : "");
   const isOpen = castView.open !== null && castView.open.count > 0;
   outputMenus.enable(isOpen);
   byId<HTMLButtonElement>("extend").disabled = !isOpen;
@@ -400,64 +389,31 @@ function check(): void {
   if (castView.open && !checkButton.disabled) engine.check(castView.open);
 }
 
-/// Ends of the names of files that the user's import filters read.
-let endings: readonly string[] = [];
+function save(): void {
+  if (castView.open && castView.open.count > 0) void output.save();
+}
 
 /// The kinds of files that can be opened, and with them the list.
 async function refreshKinds(): Promise<void> {
   const { filters, failure } = await filterTable.list();
-  if (!failure) endings = filters.map(({ postfix }) => postfix);
-  await refresh();
-}
-
-async function refresh(): Promise<void> {
-  try {
-    castList.show(await fetchCasts(endings));
-  } catch (error) {
-    const reason = error instanceof Error ? error.message : String(error);
-    messages.add({ kind: "failure", key: "casts", text: `The casts could not be listed: ${reason}.` });
-  }
+  if (!failure) folder.endings = filters.map(({ postfix }) => postfix);
+  await folder.refresh();
 }
 
 const linkState = new LinkState(messages, () => {
-  void refresh();
+  void folder.refresh();
   void refreshKinds();
 });
 
 const help = byId<HTMLDialogElement>("help");
-const shortcuts: Shortcut[] = [
-  { key: "L", text: "Go to the list of casts", run: () => castList.focus() },
-  { key: "G", text: "Go to the plot", run: () => castView.focusPlot() },
-  { key: "V", text: "Go to the table of levels", run: () => castView.focusTable() },
-  { key: "J", text: "Go to the messages", run: () => messages.focus() },
-  { key: "↑ ↓", text: "In the list: choose a cast, Enter opens it. In plot and table: select a level" },
-  { key: "O", text: "Open files of this computer; they can be dropped on the page as well", run: () => filePicker.click() },
-  { key: "C", text: "Check the open cast", run: check },
-  { key: "N", text: "Select the next invalid level", run: () => castView.selectNextInvalid() },
-  { key: "F", text: "Zoom to the levels that were measured and are valid", run: () => castView.fit() },
-  { key: "+ −", text: "In the plot: zoom in and out around the selected level" },
-  { key: "0", text: "Show all levels", run: () => castView.reset() },
-  { key: "E", text: "Extend the open cast to full ocean depth", run: extend },
-  { key: "H", text: "Thin the open cast", run: thin },
-  ...repair.shortcuts,
-  { key: "U Ctrl+Z", text: "Undo: one step back", run: undo },
-  { key: "Ctrl+Y Ctrl+Shift+Z", text: "Redo: the step forth again", run: redo },
-  { key: "M", text: "Change the levels: arrow keys choose what, Enter does it", run: () => editing.openMenu() },
-  { key: "D", text: "Edit the header of the open cast", run: () => editing.editHeader() },
-  { key: "P", text: "Edit in the plot: drag the selected level, double-click for a new one; P again ends it", run: () => editing.switchPlot() },
-  { key: "Alt", text: "In the plot: held while the selected level is dragged, it moves it at any time" },
-  { key: "F2 Enter", text: "In the table: type into the cell, which ← and → choose; Tab goes on, Escape leaves" },
-  { key: "Shift+↓", text: "In the table: select several levels" },
-  { key: "Delete", text: "In the table and the plot: take the selected levels out" },
-  { key: "Insert", text: "In the table: put a level in above; with Shift below" },
-  { key: "S", text: "Send the open cast: arrow keys choose where to, Enter sends", run: () => outputMenus.send.open() },
-  { key: "W", text: "Write the open cast to a file: arrow keys choose how, Enter goes on", run: () => outputMenus.save.open() },
-  { key: "I", text: "Import filters: how column files are read", run: () => void filterDialog.show() },
-  { key: "R", text: "Read the list of casts again", run: () => void refresh() },
-  { key: "K", text: "Compare with another cast, drawn under the open one", run: compare },
-  { key: "T", text: "The next colours: night, day, high contrast, red", run: () => theme.next() },
-  { key: "?", text: "This help", run: () => help.showModal() },
-];
+const shortcuts = pageKeys(
+  { castList, castView, messages, editing, repair, outputMenus, filterDialog, folder, theme },
+  {
+    check, extend, thin, undo, redo, save, compare,
+    pickFiles: () => byId("file-picker").click(),
+    help: () => help.showModal(),
+  },
+);
 
 const filePicker = byId<HTMLInputElement>("file-picker");
 filePicker.addEventListener("change", () => {
@@ -473,16 +429,17 @@ listenForDrops(byId("drop-hint"), {
     if (!extendDialog.isOpen && !filterDialog.isOpen) handIn(files);
     else if (first) void (extendDialog.isOpen ? extendDialog : filterDialog).take(first);
   },
+  refused: (files) => messages.add({ kind: "notice", text: refusedDropText(files) }),
 });
 addEventListener("beforeunload", (event) => {
-  if (!castView.open || !edits.isUnsaved(castView.open)) return;
+  if (!hasTypedInput() && (!castView.open || !edits.isWork(castView.open))) return;
   event.preventDefault();
   // What browsers before 2023 go by.
   event.returnValue = "Not saved";
 });
 
 function handIn(files: readonly PickedFile[]): void {
-  if (files.length > 0) void leaving(() => uploads.add(files));
+  if (files.length > 0) void arrivals.leaving(() => uploads.add(files));
 }
 
 checkButton.addEventListener("click", check);
@@ -493,7 +450,7 @@ byId("undo").addEventListener("click", undo);
 byId("redo").addEventListener("click", redo);
 byId("open-file").addEventListener("click", () => filePicker.click());
 byId("filters").addEventListener("click", () => void filterDialog.show());
-byId("refresh").addEventListener("click", () => void refresh());
+byId("refresh").addEventListener("click", () => void folder.refresh());
 byId("help-open").addEventListener("click", () => help.showModal());
 explainShortcuts(byId("help-keys"), shortcuts);
 listenForShortcuts(shortcuts);
@@ -507,9 +464,9 @@ setInterval(() => {
 connection.start();
 void bringBack(unsaved, messages, {
   hasCast: () => castView.open !== null,
-  leaving: (go) => void leaving(go),
-  restore: (inFile, edited) => {
-    show(inFile);
+  leaving: (go) => arrivals.leaving(go),
+  restore: ({ inFile, edited, file, stamp }) => {
+    show(inFile, file, stamp);
     change("Undo edits", edited);
   },
   discard: (inFile) => {

@@ -10,10 +10,17 @@ export interface Message {
   /// Messages of the same key are one: the later takes the earlier's place and is counted.
   /// Without a key, only messages of the same kind and text are the same.
   key?: string;
-  /// Offered as a button. The message is dismissed when it is pressed.
-  action?: { label: string; run: () => void };
+  /// Offered as a button. A notice goes once that was carried out; what went wrong stays until the
+  /// user dismisses it.
+  action?: MessageAction;
   /// Another one beside it.
-  otherAction?: { label: string; run: () => void };
+  otherAction?: MessageAction;
+}
+
+export interface MessageAction {
+  label: string;
+  /// False, now or later, when it was not carried out after all.
+  run: () => boolean | void | Promise<boolean | void>;
 }
 
 interface Entry {
@@ -100,16 +107,18 @@ export class Messages {
     item.append(make("time", "message-time", formatClock(new Date())));
     for (const action of [message.action, message.otherAction]) {
       if (!action) continue;
-      const act = button("", action.label, () => {
-        this.dismiss(key);
-        action.run();
-      });
-      item.append(act);
+      item.append(button("", action.label, () => void this.act(key, item, message.kind, action)));
     }
     const dismiss = button("quiet message-dismiss", "Dismiss", () => this.dismiss(key));
     dismiss.setAttribute("aria-label", `Dismiss: ${message.text}`);
     item.append(dismiss);
     return item;
+  }
+
+  private async act(key: string, item: HTMLElement, kind: MessageKind, action: MessageAction): Promise<void> {
+    const isDone = (await action.run()) !== false;
+    // A later message of the same key is another one.
+    if (isDone && kind === "notice" && this.entries.get(key)?.item.contains(item)) this.dismiss(key);
   }
 
   private update(): void {

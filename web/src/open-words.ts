@@ -73,9 +73,22 @@ export function openReason(name: string, reason: string): string {
     case "Memory allocation error":
     case "Memory allocation error.":
       return "The machine is short of memory. Close other programs; then open it again.";
+    case "The connection was lost before the answer came.":
+      return `${reason} Wait until the page is connected; then open it again.`;
     default:
-      return reason;
+      return reason.startsWith("No answer")
+        ? `${reason} Look whether the host is still running; then open it again.`
+        : reason;
   }
+}
+
+/// Files that were dropped while a dialog was open.
+export function refusedDropText(files: readonly { name: string }[]): string {
+  const isOne = files.length === 1;
+  return (
+    `${files.map(({ name }) => name).join(", ")} ${isOne ? "was" : "were"} not opened: a dialog is open. ` +
+    `Close the dialog first, then drop the ${isOne ? "file" : "files"} again.`
+  );
 }
 
 /// An upload that was not answered with success.

@@ -35,7 +35,7 @@ export interface OutboxEvents {
   handedOn(job: Job, words: string): void;
   failed(job: Job, reason: string): void;
   /// Another page has saved a file.
-  savedElsewhere(): void;
+  savedElsewhere(path: string): void;
   /// `current` has changed.
   waiting(): void;
 }
@@ -109,7 +109,7 @@ export class Outbox {
     const path = packet.fullname ?? "";
     const job = this.done(Action.save, ({ key }) => sameFile(key, path));
     if (job) this.events.saved(job, path);
-    else this.events.savedElsewhere();
+    else this.events.savedElsewhere(path);
     this.events.waiting();
   }
 

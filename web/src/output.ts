@@ -31,10 +31,14 @@ export interface OutputPage {
   open(): Profile | null;
   /// The name, as it is spelled in the profile folder, of a file that `name` would replace, or "".
   listed(name: string): Promise<string>;
+  /// Whether a file has changed since the open cast was read from it or written to it.
+  isChanged(name: string): boolean;
   /// When a file of the profile folder was last written; null where that is not known.
   fileDate(name: string): Promise<Date | null>;
   /// Time or position of the open cast were stated.
   stated(before: Profile, after: Profile): void;
+  /// A job was asked for while the one before still waits for the list of the folder.
+  waits(): void;
 }
 
 type What = "Send" | "Save";
@@ -120,7 +124,7 @@ export class Output {
 
   private async saveAsvp(open: Profile, name: string, action: Action): Promise<void> {
     const older = await this.page.listed(name);
-    if (older && !(await mayReplace(older))) return;
+    if (older && !(await mayReplace(older, this.page.isChanged(older)))) return;
     const profile = await this.stated(open);
     if (!profile) return;
     const job = this.saveJob(profile, name, "asvp", [leftOut(profile)]);
@@ -136,7 +140,8 @@ export class Output {
   /// Runs one job with the open cast; another one has to wait until its questions are answered.
   private async alone(run: (profile: Profile) => Promise<void>): Promise<void> {
     const profile = this.page.open();
-    if (!profile || this.busy) return;
+    if (!profile) return;
+    if (this.busy) return this.page.waits();
     this.busy = true;
     try {
       await run(profile);
@@ -253,10 +258,13 @@ function sizeTexts(profile: Profile, identifier: string): string[] {
   return text.filter(Boolean);
 }
 
-async function mayReplace(name: string): Promise<boolean> {
+async function mayReplace(name: string, isChanged: boolean): Promise<boolean> {
   const answer = await ask({
     title: `Replace ${name}?`,
     text: [
+      ...(isChanged
+        ? ["It has changed on disk since it was opened here: what somebody else has written to it would be lost."]
+        : []),
       `${name} is in the profile folder already. It will be replaced, and no copy of it is kept.`,
       ASVP_HINT,
     ],

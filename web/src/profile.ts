@@ -1,4 +1,5 @@
 /// A profile as the page holds it: the lists of an Open reply, made safe to index.
+import { isBuiltIn } from "./file-kinds";
 import { HEADER_KEYS, LIST_KEYS, type Header, type HeaderKey, type ListKey, type Packet } from "./protocol";
 
 export interface Profile {
@@ -50,6 +51,13 @@ export function sameProfile(a: Profile, b: Profile): boolean {
       a.lists[key].every((value, i) => Object.is(value, b.lists[key][i])),
     )
   );
+}
+
+/// Whether two profiles are the same in all that a file holds. Column files hold no time; the engine
+/// gives them that of opening.
+export function sameContent(a: Profile, b: Profile): boolean {
+  const keys = HEADER_KEYS.filter((key) => key !== "hsvp_filetime" || isBuiltIn(a.filename));
+  return sameProfile(a, b) && keys.every((key) => a.header[key] === b.header[key]);
 }
 
 /// Whether two names mean the same file of the profile folder; a path before a name is ignored.

@@ -97,6 +97,11 @@ export class RayDialog {
     this.angle.focus();
   }
 
+  /// The host is connected, for the first time or again: what was asked for before is lost.
+  connected(): void {
+    this.trace();
+  }
+
   private build(): void {
     const { dialog, slider, choice, status, facts } = this;
     const title = make("h2", "", "Ray paths");

@@ -77,6 +77,9 @@ export class Repair {
     connection.on(Action.fix, ({ result }) => {
       if (result === SUCCESS) void page.refresh();
     });
+    connection.onState(({ kind }) => {
+      if (kind === "open") this.rayDialog.connected();
+    });
     this.fixButton.addEventListener("click", () => this.fix());
     this.raysButton.addEventListener("click", () => this.rays());
     byId("atlas").addEventListener("click", () => this.atlas());

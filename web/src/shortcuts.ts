@@ -12,10 +12,13 @@ export interface Shortcut {
 
 export function listenForShortcuts(shortcuts: readonly Shortcut[]): void {
   document.addEventListener("keydown", (event) => {
-    if (event.defaultPrevented || event.altKey || isAsking()) return;
+    if (event.defaultPrevented || event.altKey) return;
     // What the shift key makes of another key is that key's own name, save together with Ctrl.
     const held = event.ctrlKey || event.metaKey ? `ctrl+${event.shiftKey ? "shift+" : ""}` : "";
     const pressed = held + event.key.toLowerCase();
+    // The browser would save the page itself.
+    if (pressed === "ctrl+s") event.preventDefault();
+    if (isAsking()) return;
     const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase().split(" ").includes(pressed));
     if (!shortcut?.run) return;
     event.preventDefault();

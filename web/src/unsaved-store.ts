@@ -1,5 +1,6 @@
 /// Unsaved edits, kept in the browser until they are saved or discarded: a reload, or a browser that
 /// ends, does not lose them.
+import { UNKNOWN, type Stamp } from "./file-watch";
 import type { Profile } from "./profile";
 import { LIST_KEYS, type ListKey } from "./protocol";
 
@@ -20,6 +21,9 @@ interface Entry {
   at: number;
   inFile: Packed;
   edited: Packed;
+  /// The file and what it was like then; older pages have not kept these.
+  file?: string;
+  stamp?: Stamp;
 }
 
 /// Edits as they were when the page was left.
@@ -31,6 +35,9 @@ export interface Unsaved {
   /// What a file holds of the cast.
   inFile: Profile;
   edited: Profile;
+  /// Name of that file, and what it was like then.
+  file: string;
+  stamp: Stamp;
 }
 
 export class UnsavedStore {
@@ -54,8 +61,8 @@ export class UnsavedStore {
       this.isStored ||= entries.some(({ page }) => page === own);
       const left = entries.filter(({ page }) => page === own || !open.has(page));
       left.sort((a, b) => b.at - a.at);
-      return left.map(({ page, at, inFile, edited }) => ({
-        page, isOwn: page === own, at: new Date(at), inFile: unpacked(inFile), edited: unpacked(edited),
+      return left.map(({ page, at, inFile, edited, file = inFile.filename, stamp = UNKNOWN }) => ({
+        page, isOwn: page === own, at: new Date(at), inFile: unpacked(inFile), edited: unpacked(edited), file, stamp,
       }));
     } catch {
       // Nothing that was kept can be read; whether anything can be kept is told when it is tried.
@@ -63,9 +70,9 @@ export class UnsavedStore {
     }
   }
 
-  /// Keeps edits in place of those kept before.
-  keep(inFile: Profile, edited: Profile): void {
-    this.wanted = { at: Date.now(), inFile: packed(inFile), edited: packed(edited) };
+  /// Keeps edits in place of those kept before, with what the file of this name holds.
+  keep(inFile: Profile, edited: Profile, file: string, stamp: Stamp): void {
+    this.wanted = { at: Date.now(), inFile: packed(inFile), edited: packed(edited), file, stamp };
     this.work();
   }
 

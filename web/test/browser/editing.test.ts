@@ -52,6 +52,74 @@ describe("editing levels", () => {
     assert.equal(await page.locator("#redo").isHidden(), true);
   });
 
+  test("a digit typed on a cell opens it with that, and Ctrl+S saves what is being typed", async () => {
+    const page = await stage.page();
+    await openCast(page, "sea.asvp");
+    await goTo(page, 2, "svp_Speed");
+    await page.keyboard.type("1499,5");
+    assert.equal(await typing(page).inputValue(), "1499,5");
+    await page.keyboard.press("Escape");
+    assert.ok(!(await unsaved(page)));
+    await page.keyboard.type("0");
+    assert.equal(await typing(page).inputValue(), "0", "not the key that shows all levels");
+    await page.keyboard.press("Escape");
+    // At a level that is not in view yet.
+    await page.keyboard.press("End");
+    await page.keyboard.type("1501.25");
+    assert.equal(await typing(page).inputValue(), "1501.25");
+    assert.equal(await typing(page).getAttribute("aria-label"), "Speed of level 60, m/s");
+    await page.keyboard.press("Control+s");
+    await page.getByRole("dialog", { name: "Replace sea.asvp?" }).getByRole("button", { name: "Replace" }).click();
+    await told(page, "Saved as").waitFor();
+    assert.ok(!(await unsaved(page)));
+    assert.match(await readFile(join(stage.host.folder, "sea.asvp"), "latin1"), /\r\n590\.00 1501\.25\r\n$/);
+
+    // What is refused is not saved.
+    await page.keyboard.press("v");
+    await page.keyboard.press("End");
+    await page.keyboard.type("9999");
+    await page.keyboard.press("Control+s");
+    assert.equal(await typing(page).getAttribute("aria-invalid"), "true");
+    assert.ok(await fault(page).isVisible());
+    assert.equal(await page.locator("dialog[open]").count(), 0);
+    await page.keyboard.press("Escape");
+  });
+
+  test("the browser's own saving of pages is kept away, also while a dialog is open", async () => {
+    const page = await stage.page();
+    const isPrevented = () =>
+      page.evaluate(() => {
+        const event = new KeyboardEvent("keydown", { key: "s", ctrlKey: true, bubbles: true, cancelable: true });
+        return !(document.activeElement ?? document.body).dispatchEvent(event);
+      });
+    assert.ok(await isPrevented(), "without a cast");
+    await page.keyboard.press("?");
+    assert.ok(await isPrevented(), "in a dialog");
+    const help = page.getByRole("dialog", { name: "Keys and hints" });
+    for (const text of ["Save the open cast as .asvp", "type a number in place of the cell’s", "select all levels"]) {
+      await help.getByText(text).waitFor();
+    }
+  });
+
+  test("Ctrl+A in the table selects all levels, and nothing of it elsewhere", async () => {
+    const page = await stage.page();
+    await openCast(page, "four.asvp");
+    await page.locator("body").press("Control+a");
+    assert.equal(await page.locator(".tabulator-row[aria-selected=true]").count(), 0);
+    await goTo(page, 3);
+    await page.keyboard.press("Control+a");
+    assert.equal(await page.locator(".tabulator-row[aria-selected=true]").count(), 4);
+    await page.keyboard.press("Delete");
+    await told(page, "At least one level has to stay; none was deleted.").waitFor();
+    await page.keyboard.press("Escape");
+    assert.equal(await page.locator(".tabulator-row[aria-selected=true]").count(), 1);
+    await page.keyboard.press("Enter");
+    await page.keyboard.press("Control+a");
+    await page.keyboard.type("7");
+    assert.equal(await typing(page).inputValue(), "7", "in a cell it is the text");
+    await page.keyboard.press("Escape");
+  });
+
   test("what is no value says why and leaves the old one", async () => {
     const page = await stage.page();
     await openCast(page, "four.asvp");

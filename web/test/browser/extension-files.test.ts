@@ -33,7 +33,7 @@ describe("extension files", () => {
     const page = await stage.page();
     const other = await stage.newPage();
     await openCast(page, "bay.asvp");
-    await told(other, "bay.asvp was opened elsewhere.").waitFor();
+    await told(other, "bay.asvp was opened elsewhere and is shown here.").waitFor();
     const listed = await casts(page);
     for (const time of [1, 2]) {
       const dialog = await openExtend(page, OWN);
@@ -61,8 +61,8 @@ describe("extension files", () => {
       assert.deepEqual(await casts(each), listed);
     }
     assert.equal(await page.locator("#messages [role=alert]").count(), 0);
-    assert.deepEqual(await other.locator(".message-text").allTextContents(), ["bay.asvp was opened elsewhere."]);
-    assert.equal(await other.locator("#cast-title").textContent(), "No cast open");
+    assert.deepEqual(await other.locator(".message-text").allTextContents(), ["bay.asvp was opened elsewhere and is shown here."]);
+    assert.deepEqual((await levels(other)).depths, [0, 10, 40], "as it was opened");
     await other.close();
   });
 

@@ -135,10 +135,11 @@ describe("files of the user's", () => {
   test("another page lists what was handed in here, and is offered it", async () => {
     const one = await stage.page();
     const two = await stage.newPage();
+    await openCast(two, "deep-cast.ssp");
     await pick(one, asvp("shared.asvp", 3));
     await told(two, "shared.asvp was opened elsewhere.").waitFor();
     await two.locator('[data-name="shared.asvp"]').waitFor();
-    assert.equal(await two.locator("#cast-title").textContent(), "No cast open");
+    assert.equal(await two.locator("#cast-title").textContent(), "deep-cast.ssp");
     await two.close();
   });
 

@@ -4,8 +4,10 @@ import { access, mkdtemp, rm, utimes, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { join, resolve } from "node:path";
 import { createInterface } from "node:readline";
+import { setTimeout as pause } from "node:timers/promises";
 
 const START_LIMIT_MS = 20_000;
+const HEARING_TRIES = 60;
 
 const paths = {
   host: resolve(process.env["SVP_HOST"] ?? "../build/dev/bin/svp-host"),
@@ -26,7 +28,7 @@ export class Host {
   private constructor(private readonly data: string) {}
 
   /// `name` begins the name of its data folder.
-  static async start(name: string): Promise<Host> {
+  static async start(name = "svp-page-test-"): Promise<Host> {
     for (const path of Object.values(paths)) {
       await access(path).catch(() => {
         throw new Error(`${path} is missing: build it, or name it by SVP_HOST, SVP_PLUGIN, SVP_WEB, SVP_SAMPLES`);
@@ -35,6 +37,19 @@ export class Host {
     const host = new Host(await mkdtemp(join(tmpdir(), name)));
     await host.run("127.0.0.1:0");
     return host;
+  }
+
+  /// A host whose engine has the port for datagrams, which is one for the whole machine: another
+  /// engine may hold it for its while.
+  static async startHearing(): Promise<Host> {
+    for (let i = 0; ; ++i) {
+      const host = await Host.start();
+      for (let waited = 0; waited < 2000 && !/udp port/.test(host.output); waited += 20) await pause(20);
+      if (/listening for input on udp port/.test(host.output)) return host;
+      await host.remove();
+      if (i === HEARING_TRIES) throw host.trouble("has not got the port for datagrams");
+      await pause(1000);
+    }
   }
 
   /// The profile folder.
@@ -59,6 +74,17 @@ export class Host {
     await rm(join(this.folder, name));
   }
 
+  /// Writes a cast as another program would just now.
+  async rewriteCast(name: string, levels: readonly FileLevel[], written = new Date()): Promise<void> {
+    await this.writeCast(name, levels);
+    await utimes(join(this.folder, name), written, written);
+  }
+
+  /// Has the host hang, with all its connections open, or go on.
+  hang(isHung: boolean): void {
+    this.process?.kill(isHung ? "SIGSTOP" : "SIGCONT");
+  }
+
   /// Ends the host as an operator would.
   async stop(): Promise<void> {
     const { process } = this;
@@ -66,6 +92,18 @@ export class Host {
     if (!process || process.exitCode !== null || process.signalCode !== null) return;
     const gone = new Promise((done) => process.once("exit", done));
     process.kill("SIGTERM");
+    // One that a test has left hanging would never hear of it.
+    process.kill("SIGCONT");
+    await gone;
+  }
+
+  /// Ends the host as a crash would, also one that hangs.
+  async kill(): Promise<void> {
+    const { process } = this;
+    this.process = null;
+    if (!process) return;
+    const gone = new Promise((done) => process.once("exit", done));
+    process.kill("SIGKILL");
     await gone;
   }
 

@@ -3,7 +3,8 @@ import assert from "node:assert/strict";
 import { readFile, readdir } from "node:fs/promises";
 import { join } from "node:path";
 import { describe, test } from "node:test";
-import { Stage, openCast, seaLevels, shown } from "./stage";
+import { held, pick } from "./handing";
+import { Stage, failed, openCast, seaLevels, shown } from "./stage";
 
 const DEPTHS = [0, 1, 2.5, 5, 10, 20, 30.25, 50, 75, 100, 150, 200];
 
@@ -145,6 +146,28 @@ describe("opening a cast", () => {
     await message.getByRole("button", { name: /^Dismiss/ }).click();
     await message.waitFor({ state: "detached" });
     assert.ok(await page.locator("#messages").isHidden());
+  });
+
+  test("a failure stays when its button was used, and when the file opens later", async () => {
+    const page = await stage.page();
+    stage.expectTrouble(/status of 500/);
+    await pick(page, held("odd.nokind", "0 1500\n10 1490\n"));
+    const noFilter = failed(page, "odd.nokind could not be opened.");
+    await noFilter.getByRole("button", { name: "Import filters…", exact: true }).click();
+    await page.keyboard.press("Escape");
+    assert.ok(await noFilter.isVisible());
+
+    await stage.host.writeCast("back.asvp", seaLevels([0, 10]));
+    await page.getByRole("button", { name: "Refresh" }).click();
+    await page.locator('[data-name="back.asvp"]').waitFor();
+    await stage.host.removeCast("back.asvp");
+    await page.locator('[data-name="back.asvp"]').click();
+    const gone = failed(page, "back.asvp could not be opened");
+    await gone.waitFor();
+    await stage.host.writeCast("back.asvp", seaLevels([0, 10]));
+    await openCast(page, "back.asvp");
+    assert.ok(await gone.isVisible());
+    assert.ok(await noFilter.isVisible());
   });
 
   test("a name with a comma opens; one with brackets is refused with a reason", async () => {

@@ -111,6 +111,22 @@ describe("ray paths", () => {
     assert.equal(asked.at(-1), last);
   });
 
+  test("rays that were lost with the connection come again with it", async () => {
+    const page = await stage.page();
+    await openCast(page, "straight.asvp");
+    await page.keyboard.press("y");
+    await fact(page, "Ray of 45°.").waitFor();
+    stage.expectTrouble(/WebSocket connection to .* failed|ERR_CONNECTION/);
+    await stage.host.stop();
+    await page.locator("#connection[data-state=lost]").waitFor();
+    await angleField(page).fill("30");
+    await rayDialog(page).getByText("There is no connection to the host.").waitFor();
+    assert.equal(await fact(page, "Ray of").count(), 0);
+    await stage.host.startAgain();
+    await fact(page, "Ray of 30°.").waitFor();
+    assert.ok(await rayDialog(page).locator(".dialog-status").isHidden());
+  });
+
   test("beside it lies the cast before its last change, or another that was opened", async () => {
     const page = await stage.page();
     await openCast(page, "straight.asvp");

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { describe, test } from "node:test";
 import type { Page } from "playwright-core";
-import { Stage, check, connected, openCast, seaLevels, shown } from "./stage";
+import { Stage, check, connected, failed, openCast, seaLevels, shown } from "./stage";
 
 const title = (page: Page) => page.locator("#cast-title").textContent();
 
@@ -51,7 +51,7 @@ describe("pages and connection", () => {
     await two.close();
   });
 
-  test("another page's failure is not shown here", async () => {
+  test("a file that could not be opened elsewhere is told, and nothing else happens", async () => {
     const one = await stage.page();
     const two = await stage.newPage();
     await openCast(one, "mine.asvp");
@@ -61,8 +61,11 @@ describe("pages and connection", () => {
     await stage.host.removeCast("gone.asvp");
     await two.locator('[data-name="gone.asvp"]').click();
     await two.getByRole("alert").filter({ hasText: "gone.asvp could not be opened" }).waitFor();
-    await one.waitForTimeout(300);
-    assert.equal(await one.getByRole("alert").count(), 0);
+    await failed(one, "A file that another page or program asked for could not be opened. File does not exist").waitFor();
+    assert.equal(await one.getByRole("alert").count(), 1);
+    assert.equal(await title(one), "mine.asvp");
+    await two.waitForTimeout(300);
+    assert.equal(await two.getByRole("alert").count(), 1, "there it is the page's own");
     await two.close();
   });
 

@@ -52,10 +52,14 @@ export class Stage {
   private expected: RegExp[] = [];
 
   /// To be made inside the suite that uses it. `prepare` puts casts into the profile folder, which
-  /// lies below a data folder whose name begins with `name`.
-  constructor(prepare: (host: Host) => Promise<void>, name = "svp-page-test-") {
+  /// lies below a data folder whose name begins with `name`; `start` starts a host of another kind
+  /// than usual.
+  constructor(
+    prepare: (host: Host) => Promise<void>,
+    { name, start = () => Host.start(name) }: { name?: string; start?: () => Promise<Host> } = {},
+  ) {
     before(async () => {
-      this.theHost = await Host.start(name);
+      this.theHost = await start();
       await prepare(this.theHost);
     });
     afterEach(() => this.assertNoTrouble());

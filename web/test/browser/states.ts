@@ -193,7 +193,11 @@ class Walk {
     await this.press("Enter");
     await this.top.locator(".field-fault:visible").first().waitFor();
     await this.dialog("header with faults");
-    await this.shut();
+    await this.press("Escape");
+    await this.top.getByRole("heading", { name: "Close without applying?" }).waitFor();
+    await this.dialog("header, about to be left");
+    await this.top.getByRole("button", { name: "Close", exact: true }).click();
+    await closed(page);
     await this.press("m");
     await page.getByRole("menuitem", { name: "Insert by depth…" }).click();
     await this.dialog("insert");

@@ -35,7 +35,7 @@ describe("thinning", () => {
     const page = await stage.page();
     const other = await stage.newPage();
     await openCast(page, "curve.asvp");
-    await told(other, "curve.asvp was opened elsewhere.").waitFor();
+    await told(other, "curve.asvp was opened elsewhere and is shown here.").waitFor();
     const before = await casts(page);
     await preview(page, "0.2");
     const kept = fileLevels(await onDisk("svp-preview_thinned.asvp"));
@@ -68,7 +68,7 @@ describe("thinning", () => {
       assert.deepEqual(await casts(each), before);
     }
     assert.equal(await page.locator(".message").count(), 0);
-    assert.deepEqual(await other.locator(".message-text").allTextContents(), ["curve.asvp was opened elsewhere."]);
+    assert.deepEqual(await other.locator(".message-text").allTextContents(), ["curve.asvp was opened elsewhere and is shown here."]);
     assert.ok(!(await readdir(stage.host.folder)).includes("curve_thinned.asvp"));
     await other.close();
   });

@@ -19,7 +19,7 @@ const README_PICTURE = resolve("../docs/images/page.png");
 describe("user guide", () => {
   const stage = new Stage(async (host) => {
     await host.writeCast("cast-13.asvp", EARLIER);
-  }, "survey-");
+  }, { name: "survey-" });
   const seen = new Seen();
   const taken: string[] = [];
   let page: Page;
@@ -116,6 +116,7 @@ describe("user guide", () => {
     await seen.take(page);
 
     // The wrong value stands out of the curve.
+    await page.keyboard.press("g");
     await page.keyboard.press("0");
     await hoverWrong();
     const wrong = await levelAt(WRONG_AT);

@@ -199,3 +199,29 @@ test("each failure of thinning says what to do", () => {
   assert.match(text("Thinning error"), /No profile came of it/);
   assert.equal(text("No samples extracted."), "a.asvp was not thinned. No samples extracted. Try to thin it once more; if that fails too, look into the host’s log.");
 });
+
+test("what a file no longer holds is in no file; it is work only where the user did it, or the file is gone", () => {
+  const opened = cast();
+  const longer = withValue(opened, 0, "svp_Speed", 1501);
+  const edits = new Edits<Verdict>();
+  edits.opened(opened);
+  assert.equal(edits.openedFrom("a.asvp"), opened);
+  edits.lost("a.asvp", "changed");
+  assert.ok(edits.isUnsaved(opened));
+  assert.ok(!edits.isWork(opened));
+  assert.equal(edits.openedFrom("a.asvp"), null);
+  edits.changed("Undo change", now(opened), longer);
+  assert.ok(edits.isWork(longer));
+  edits.saved("a.asvp", longer);
+  assert.ok(!edits.isWork(longer));
+  assert.equal(edits.openedFrom("a.asvp"), null, "it was written here");
+  edits.lost("a.asvp", "changed");
+  assert.ok(edits.isUnsaved(longer) && edits.isWork(longer), "another page has written over it");
+
+  edits.opened(opened);
+  edits.lost("a.asvp", "gone");
+  assert.ok(edits.isWork(opened), "the page alone has it");
+  edits.opened(opened, "b.asvp");
+  assert.equal(edits.inFileName, "b.asvp");
+  assert.equal(edits.openedFrom("b.asvp"), opened);
+});

@@ -25,6 +25,8 @@ function page() {
         told.push(`checked ${profile.filename} [${invalid.join()}] ${lines.join("|")}`),
       checkFailed: (name, reason) => told.push(`checkFailed ${name}: ${reason}`),
       openedElsewhere: keep("elsewhere"),
+      openFailedFalsely: (name) => told.push(`openFailedFalsely ${name}`),
+      openFailedElsewhere: (reason) => told.push(`failed elsewhere: ${reason}`),
       alerted: (text) => told.push(`alert ${text}`),
       silent: () => told.push("silent"),
       refused: (reason) => told.push(`refused ${reason}`),
@@ -67,12 +69,27 @@ test("the answer to the page's own request is opened, another page's is offered"
   assert.deepEqual(told, ["elsewhere b.asvp", "opened a.asvp"]);
 });
 
-test("a failure of another page's request is not this page's business", () => {
+test("of what others ask for only an opening that fails is told, and not for this page's own", () => {
   const { around, told } = page();
-  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "no" });
   around.socket.receive({ whoami: "CheckProfile", result: "FAILURE", reason: "no" });
   around.socket.receive(verdict([], []));
   assert.deepEqual(told, []);
+  around.socket.receive({ whoami: "SVP_OpenSVP", result: "FAILURE", reason: "no" });
+  assert.deepEqual(told, ["failed elsewhere: no"]);
+});
+
+test("that the engine opens no extension file is not told", () => {
+  const { around, told, wait } = page();
+  const refusal = { whoami: "SVP_OpenSVP", result: "FAILURE", reason: "no" };
+  around.socket.receive({ whoami: "SelectExtentionFile", result: "SUCCESS", extentionfile: "e.asvp" });
+  around.socket.receive(refusal);
+  assert.deepEqual(told, []);
+  around.socket.receive(refusal);
+  assert.deepEqual(told, ["failed elsewhere: no"], "the one that was handed in is past");
+  around.socket.receive({ whoami: "SelectExtentionFile", result: "SUCCESS", extentionfile: "e.asvp" });
+  wait(10_000);
+  around.socket.receive(refusal);
+  assert.equal(told.length, 2, "it was handed in long ago, if at all");
 });
 
 test("failures name the file; alerts and refusals are passed on", () => {
@@ -275,4 +292,18 @@ test("why a file cannot be read beside the open one is told to who asked", async
   assert.deepEqual(await lost, { reason: "No answer has come." });
   // What the engine never answered to was the page's own report.
   assert.deepEqual(told, ["silent"]);
+});
+
+test("a failure that was another page's is taken back by the answer; that of an earlier try is not", () => {
+  const { around, engine, told } = page();
+  const refusal = { whoami: "SVP_OpenSVP", result: "FAILURE", reason: "no" };
+  engine.open("a.asvp");
+  around.socket.receive(refusal);
+  around.socket.receive(cast("a.asvp"));
+  assert.deepEqual(told, ["openFailed a.asvp: no", "openFailedFalsely a.asvp", "opened a.asvp"]);
+  engine.open("b.asvp");
+  around.socket.receive(refusal);
+  engine.open("b.asvp");
+  around.socket.receive(cast("b.asvp"));
+  assert.deepEqual(told.slice(3), ["openFailed b.asvp: no", "opened b.asvp"]);
 });
