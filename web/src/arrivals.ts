@@ -74,7 +74,7 @@ export class Arrivals {
   /// Tells of a file, which a button opens as it is then.
   offer(key: string, text: string, name: string): void {
     const run = () => this.leaving(() => this.page.read(name));
-    this.page.tell({ kind: "notice", key, text, action: { label: "Open it", run } });
+    this.page.tell({ kind: "notice", isUrgent: true, key, text, action: { label: "Open it", run } });
   }
 
   private show(profile: Profile): void {

@@ -1,8 +1,8 @@
 /// The open cast: plot, table, header, facts and verdict, and the level selected in all of them.
 import { columnsOf, plotQuantities, valueText, type Column, type PlotQuantity } from "./columns";
-import { button, byId, make } from "./dom";
+import { button, byId, make, painted } from "./dom";
 import type { Verdict } from "./engine";
-import { formatClock, formatCount } from "./format";
+import { formatClock, formatCount, shownName } from "./format";
 import { headerRows } from "./header-fields";
 import { legend, type LegendEntry } from "./legend";
 import { LevelTable, type TableEvents } from "./level-table";
@@ -94,7 +94,8 @@ export class CastView {
     this.plot.show(profile, this.columns, ...this.panels);
     this.plot.showUnder(this.compared && underOf(this.compared));
     this.showFacts();
-    void this.select(-1).then(() => noteDrawn(begun));
+    void this.select(-1);
+    void this.table.drawn.then(() => noteDrawn(begun));
   }
 
   /// Shows the open cast as it is after an edit at a level (or in the header, "here"): what is in view
@@ -138,8 +139,7 @@ export class CastView {
     this.verdict = null;
     document.body.dataset["cast"] = profile.filename;
     document.title = `${profile.filename} – SVP Editor`;
-    this.title.textContent = profile.filename;
-    this.title.title = profile.filename;
+    this.title.textContent = this.title.title = shownName(profile.filename);
     byId("level-count").textContent = formatCount(profile.count);
     byId("verdict").hidden = true;
     this.showHeader(profile);
@@ -281,11 +281,7 @@ function underOf(profile: Profile) {
 }
 
 /// Notes among the browser's performance entries how long it took until a cast was on the screen.
-function noteDrawn(begun: number): void {
-  requestAnimationFrame(() => {
-    // What is posted in a frame is heard after it.
-    const { port1, port2 } = new MessageChannel();
-    port1.onmessage = () => performance.measure(DRAWING, { start: begun });
-    port2.postMessage(null);
-  });
+async function noteDrawn(begun: number): Promise<void> {
+  await painted();
+  performance.measure(DRAWING, { start: begun });
 }

@@ -1,7 +1,7 @@
 /// The casts of the profile folder: fetched from the host, shown as a list of buttons.
 import { button, make } from "./dom";
 import { isOwnFile } from "./own-files";
-import { formatCount, formatMoment, formatSize } from "./format";
+import { formatCount, formatMoment, formatSize, shownName } from "./format";
 
 export interface Cast {
   name: string;
@@ -112,11 +112,11 @@ export class CastList {
   private item(cast: Cast): HTMLLIElement {
     const entry = button("cast", "", () => this.open(cast.name));
     entry.dataset["name"] = cast.name;
-    entry.title = cast.name;
+    entry.title = shownName(cast.name);
     const changed = new Date(cast.modified);
     const when = Number.isNaN(changed.getTime()) ? "" : formatMoment(changed).slice(0, 16);
     entry.append(
-      make("span", "cast-name", cast.name),
+      make("span", "cast-name", shownName(cast.name)),
       make("span", "cast-detail", `${formatSize(cast.size)} · ${when}`),
     );
     return make("li", "", entry);

@@ -99,6 +99,12 @@ export function isAsking(): boolean {
   return document.querySelector("dialog[open]") !== null;
 }
 
+/// The open dialog that the keyboard is in, or null where none is open.
+export function topDialog(): HTMLDialogElement | null {
+  const open = [...document.querySelectorAll<HTMLDialogElement>("dialog[open]")];
+  return open.find((dialog) => dialog.contains(document.activeElement)) ?? open[open.length - 1] ?? null;
+}
+
 class Input {
   private readonly input = make("input");
   private readonly fault = make("p", "field-fault");

@@ -60,3 +60,16 @@ export function isNowhere(): boolean {
 export function isShown(element: Element | null): element is HTMLElement {
   return element instanceof HTMLElement && element.isConnected && element.getClientRects().length > 0;
 }
+
+/// Resolves once what was just changed has been on the screen; soon, where the page is not seen.
+export function painted(): Promise<void> {
+  return new Promise((done) => {
+    setTimeout(done, 250);
+    requestAnimationFrame(() => {
+      // What is posted in a frame is heard after it.
+      const { port1, port2 } = new MessageChannel();
+      port1.onmessage = () => done();
+      port2.postMessage(null);
+    });
+  });
+}

@@ -1,5 +1,6 @@
 /// The dialog in which the user has the open cast fixed, and sees what came of it.
 import { readAtlas } from "./atlas";
+import type { Comparison } from "./comparison";
 import { ComparisonView } from "./comparison-view";
 import { button, make, setDisabled } from "./dom";
 import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText, unreadableText } from "./fix-words";
@@ -15,7 +16,8 @@ import { mayReplace } from "./replacing";
 
 export interface FixDialogEvents {
   /// A fixed profile was written, and read back.
-  fixed(before: Profile, after: Profile, file: FixedFile): void;
+  /// A cast was fixed; `compare` shows what that has done, again and again.
+  fixed(before: Profile, after: Profile, file: FixedFile, compare: () => void): void;
   /// A file was written although a failure had been told.
   written(before: Profile, file: FixedFile): void;
   /// A file was written and cannot be read, which the dialog was left too early to say itself.
@@ -35,6 +37,14 @@ export interface FixDialogEvents {
 
 /// What the two profiles are called where they are compared.
 const NAMES = { first: "as it came in", second: "fixed" };
+
+/// What a fix has done, in words and numbers.
+interface Result {
+  name: string;
+  facts: string;
+  largest: string;
+  comparison: Comparison | null;
+}
 
 export class FixDialog {
   private readonly dialog = make("dialog", "question extend fix");
@@ -179,17 +189,27 @@ export class FixDialog {
 
   private done(before: Profile, { file, compared }: Fixed, read: Profile, isLeft: boolean): void {
     const { profile: after, facts } = fixedProfile(before, read);
-    this.events.fixed(before, after, file);
+    const comparison = "comparison" in compared ? compared.comparison : null;
+    const result: Result = {
+      name: before.filename,
+      facts: fixedLines(before, after, facts, file).join(" "),
+      largest: comparison
+        ? largestText(comparison, NAMES.first, NAMES.second)
+        : `The two could not be compared. ${"reason" in compared ? compared.reason : ""}`.trim(),
+      comparison,
+    };
+    this.events.fixed(before, after, file, () => this.showAgain(result));
     if (isLeft) return;
     this.after = after;
-    this.facts.replaceChildren(make("p", "", fixedLines(before, after, facts, file).join(" ")));
-    const comparison = "comparison" in compared ? compared.comparison : null;
-    this.largest.textContent = comparison
-      ? largestText(comparison, NAMES.first, NAMES.second)
-      : `The two could not be compared. ${"reason" in compared ? compared.reason : ""}`.trim();
-    this.showResult(before.filename);
-    this.comparison.show(comparison);
-    this.close.focus();
+    this.showResult(result);
+  }
+
+  /// Shows what an earlier fix has done. The cast may be another one by now: nothing is done to it here.
+  private showAgain(result: Result): void {
+    if (this.dialog.open) return;
+    this.after = null;
+    this.dialog.showModal();
+    this.showResult(result);
   }
 
   private addSurface(): void {
@@ -213,7 +233,9 @@ export class FixDialog {
     this.surfaceButton.hidden = this.close.hidden = true;
   }
 
-  private showResult(name: string): void {
+  private showResult({ name, facts, largest, comparison }: Result): void {
+    this.facts.replaceChildren(make("p", "", facts));
+    this.largest.textContent = largest;
     this.title.textContent = `${name} is fixed`;
     this.dialog.classList.add("with-result");
     this.asking.hidden = true;
@@ -222,6 +244,8 @@ export class FixDialog {
     this.confirm.hidden = this.cancel.hidden = true;
     this.close.hidden = false;
     this.surfaceButton.hidden = !this.after || !lacksSurface(this.after);
+    this.comparison.show(comparison);
+    this.close.focus();
   }
 
   private fail(profile: Profile, reason: string): void {

@@ -146,3 +146,9 @@ export function differenceText(difference: number, decimals: number): string {
   if (Number(text) === 0) return text;
   return `${difference < 0 ? "\u2212" : "+"}${text}`;
 }
+
+/// A name as it is shown: characters that are not seen, or that turn others round, have a mark in
+/// their place.
+export function shownName(name: string): string {
+  return name.replace(/[\p{Cc}\p{Cf}\p{Zl}\p{Zp}]/gu, "\ufffd");
+}

@@ -2,7 +2,7 @@
 import { FormatModule, InteractionModule, SelectRowModule, Tabulator, type RowComponent } from "tabulator-tables";
 import { CellEditor, type Leaving } from "./cell-editor";
 import { shownValue, type Column } from "./columns";
-import { make } from "./dom";
+import { make, painted } from "./dom";
 import { ABSENT, formatValue } from "./format";
 import { isJoined, type Profile } from "./profile";
 import type { ListKey } from "./protocol";
@@ -19,6 +19,8 @@ interface Row {
 /// Rows that Page Up and Page Down move by.
 const PAGE = 15;
 const SCROLLBAR = 16;
+/// Of a longer cast these come first, more than any window shows, and all of them a moment later.
+const FIRST_ROWS = 1000;
 
 /// Keys that begin a number. Comma and point are both taken for the decimal mark.
 const BEGINS_NUMBER = /^[0-9.,\-−]$/;
@@ -41,6 +43,8 @@ export interface TableEvents {
 export class LevelTable {
   private table: Tabulator | null = null;
   private built: Promise<unknown> = Promise.resolve();
+  /// The first rows are on the page; of a long cast the others follow.
+  drawn: Promise<unknown> = Promise.resolve();
   private invalid: ReadonlySet<number> = new Set();
   private selected = -1;
   /// The other end of the levels that are selected together.
@@ -96,8 +100,9 @@ export class LevelTable {
     // The panel takes what the columns need; the style sheet says between which bounds.
     const all = this.widths.reduce((sum, width) => sum + width, numberWidth + SCROLLBAR);
     this.host.closest("main")?.style.setProperty("--levels", `${all}px`);
+    const isLong = profile.count > FIRST_ROWS;
     const table = new Tabulator(element, {
-      data: rowsOf(profile),
+      data: rowsOf(isLong ? FIRST_ROWS : profile.count),
       index: "index",
       height: "100%",
       layout: "fitColumns",
@@ -125,7 +130,8 @@ export class LevelTable {
     this.table = table;
     this.rows = null;
     this.ranged.clear();
-    this.built = new Promise<void>((resolve) => table.on("tableBuilt", () => resolve()));
+    this.drawn = new Promise<void>((resolve) => table.on("tableBuilt", () => resolve()));
+    this.built = isLong ? this.drawn.then(painted).then(rested).then(() => this.fill(table)) : this.drawn;
     void this.built.then(() => {
       makeGrid(element, "Levels");
       countRows(element, this.count);
@@ -140,7 +146,14 @@ export class LevelTable {
     });
     // Rows keep their looks while they are scrolled out.
     element.addEventListener("scroll", () => this.anchor !== this.selected && this.paintRows(), true);
-    if (hadFocus) void this.built.then(() => this.focus());
+    if (hadFocus) void this.drawn.then(() => this.focus());
+  }
+
+  /// Puts all rows into a table that has the first ones.
+  private async fill(table: Tabulator): Promise<void> {
+    if (table !== this.table || !this.profile) return;
+    await table.replaceData(rowsOf(this.profile.count));
+    this.rows = null;
   }
 
   /// Takes the table away for good.
@@ -192,9 +205,7 @@ export class LevelTable {
     const { table } = this;
     this.ranged.clear();
     this.built = this.built.then(async () => {
-      if (!table || table !== this.table || !this.profile) return;
-      await table.replaceData(rowsOf(this.profile));
-      this.rows = null;
+      if (table) await this.fill(table);
     });
     return this.built;
   }
@@ -473,6 +484,11 @@ export class LevelTable {
   }
 }
 
-function rowsOf({ count }: Profile): Row[] {
+/// Resolves once others have done what they waited to do until now.
+function rested(): Promise<void> {
+  return new Promise((done) => setTimeout(done, 20));
+}
+
+function rowsOf(count: number): Row[] {
   return Array.from({ length: count }, (_, index) => ({ index }));
 }

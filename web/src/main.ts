@@ -9,7 +9,7 @@ import { CompareDialog } from "./compare-dialog";
 import { ComparedCasts } from "./compared-casts";
 import { Connection } from "./connection";
 import { isAsking } from "./dialog";
-import { byId, setDisabled } from "./dom";
+import { byId, painted, setDisabled } from "./dom";
 import { listenForDrops } from "./drop-zone";
 import { Editing } from "./editing";
 import { Edits, type Place } from "./edits";
@@ -241,7 +241,7 @@ const repair = new Repair(asker, connection, {
   change,
   saved: (name, profile) => void wrote(name, profile),
   mark: (name) => castList.mark(name),
-  notice: (text) => messages.add({ kind: "notice", text }),
+  notice: (text, action) => messages.add({ kind: "notice", text, ...(action && { action }) }),
   failure: (text) => messages.add({ kind: "failure", text }),
   refresh: () => folder.refresh(),
   listed: (name) => folder.listed(name),
@@ -291,7 +291,7 @@ function show(profile: Profile, file = profile.filename, stamp: Stamp | null = n
   messages.dismiss(`disk:${file}`);
   repair.opened(profile);
   put({ profile, verdict: null });
-  void folder.refresh();
+  void painted().then(() => folder.refresh());
 }
 
 /// Puts a cast on the page, freshly opened or not.
@@ -429,7 +429,7 @@ listenForDrops(byId("drop-hint"), {
     if (!extendDialog.isOpen && !filterDialog.isOpen) handIn(files);
     else if (first) void (extendDialog.isOpen ? extendDialog : filterDialog).take(first);
   },
-  refused: (files) => messages.add({ kind: "notice", text: refusedDropText(files) }),
+  refused: (files) => messages.add({ kind: "notice", isUrgent: true, text: refusedDropText(files) }),
 });
 addEventListener("beforeunload", (event) => {
   if (!hasTypedInput() && (!castView.open || !edits.isWork(castView.open))) return;

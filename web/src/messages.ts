@@ -1,4 +1,5 @@
 /// Messages to the user. Each stays in its list until the user dismisses it.
+import { topDialog } from "./dialog";
 import { button, isNowhere, isShown, make } from "./dom";
 import { formatClock } from "./format";
 
@@ -10,6 +11,8 @@ export interface Message {
   /// Messages of the same key are one: the later takes the earlier's place and is counted.
   /// Without a key, only messages of the same kind and text are the same.
   key?: string;
+  /// A notice that is worth to be said over an open dialog, as everything that went wrong is.
+  isUrgent?: boolean;
   /// Offered as a button. A notice goes once that was carried out; what went wrong stays until the
   /// user dismisses it.
   action?: MessageAction;
@@ -67,6 +70,7 @@ export class Messages {
     this.entries.set(key, { item, count });
     this.list.prepend(item);
     this.update();
+    if (message.kind !== "notice" || message.isUrgent) tellOver(message);
     if (hadFocus) item.querySelector<HTMLElement>(".message-dismiss")?.focus();
   }
 
@@ -125,4 +129,19 @@ export class Messages {
     this.region.hidden = this.entries.size === 0;
     this.dismissAll.hidden = this.entries.size < 2;
   }
+}
+
+/// Says a message over the open dialog too: the list behind it is neither read nor read out meanwhile.
+/// It goes with the dialog, and stays in the list.
+function tellOver({ kind, text }: Message): void {
+  const dialog = topDialog();
+  if (!dialog) return;
+  for (const told of dialog.querySelectorAll(":scope > .dialog-told")) told.remove();
+  const told = make("div", `dialog-told message message-${kind}`);
+  told.setAttribute("role", kind === "notice" ? "status" : "alert");
+  const dismiss = button("quiet", "Dismiss", () => told.remove());
+  dismiss.setAttribute("aria-label", `Dismiss: ${text}`);
+  told.append(make("span", "message-kind", KIND_LABEL[kind]), make("span", "message-text", text), dismiss);
+  dialog.append(told);
+  dialog.addEventListener("close", () => told.remove(), { once: true });
 }

@@ -5,6 +5,7 @@ import type { Connection } from "./connection";
 import { byId } from "./dom";
 import { FixDialog } from "./fix-dialog";
 import { Fixer, type FixedFile } from "./fixer";
+import type { MessageAction } from "./messages";
 import { levelCount } from "./outbox-words";
 import type { Profile } from "./profile";
 import { Action, SUCCESS, type ListKey } from "./protocol";
@@ -25,7 +26,7 @@ export interface RepairPage {
   /// A file of this name holds the profile now.
   saved(name: string, profile: Profile): void;
   mark(name: string): void;
-  notice(text: string): void;
+  notice(text: string, action?: MessageAction): void;
   failure(text: string): void;
   refresh(): Promise<void>;
   listed(name: string): Promise<string>;
@@ -58,7 +59,7 @@ export class Repair {
     this.atlasDialog = new AtlasDialog((text) => page.notice(text));
     this.rayDialog = new RayDialog(asker, { beside: (profile) => this.seen.beside(profile, page.earlier()), fix: () => this.fix() });
     this.fixDialog = new FixDialog(this.fixer, {
-      fixed: (before, after, file) => this.fixed(before, after, file),
+      fixed: (before, after, file, compare) => this.fixed(before, after, file, compare),
       written: (before, { path }) => page.notice(`${before.filename} was fixed and written as ${path}.`),
       unreadable: (text) => {
         page.failure(text);
@@ -120,9 +121,16 @@ export class Repair {
     void this.atlasDialog.show();
   }
 
-  private fixed(before: Profile, after: Profile, file: FixedFile): void {
+  private fixed(before: Profile, after: Profile, file: FixedFile, compare: () => void): void {
     const { page } = this;
-    page.notice(`${before.filename} fixed, ${levelCount(after.count)}, written as ${file.path}.`);
+    page.notice(`${before.filename} fixed, ${levelCount(after.count)}, written as ${file.path}.`, {
+      label: "Show the comparison",
+      // It can be looked at again: the notice stays.
+      run: () => {
+        compare();
+        return false;
+      },
+    });
     if (before !== page.open()) return;
     page.saved(file.name, after);
     page.change("Undo fix", after);

@@ -71,7 +71,18 @@ describe("fixing", () => {
     assert.ok((await dialog.locator(".comparison-plot .chart-line path").count()) > 3);
     await dialog.getByRole("button", { name: "Close" }).click();
 
-    await told(page, `faulty.asvp fixed, ${after.depths.length} levels, written as ${path}.`).waitFor();
+    const notice = told(page, `faulty.asvp fixed, ${after.depths.length} levels, written as ${path}.`);
+    await notice.waitFor();
+    // It can be looked at again, as often as wanted.
+    for (let i = 0; i < 2; ++i) {
+      await notice.getByRole("button", { name: "Show the comparison" }).click();
+      await fixed(page, "faulty.asvp");
+      assert.equal(await dialog.locator(".fix-largest").textContent(), sentence);
+      assert.equal(await dialog.locator(".comparison-table tbody td").count(), 9 * 11);
+      assert.ok(await dialog.getByRole("button", { name: "Add a level at 0 m" }).isHidden());
+      await page.keyboard.press("Escape");
+      await dialog.waitFor({ state: "hidden" });
+    }
     await page.getByRole("button", { name: "Undo fix" }).click();
     await shown(page, "faulty.asvp");
     assert.deepEqual(await levels(page), before);

@@ -84,6 +84,33 @@ describe("long casts", () => {
     await host.writeCast("short.asvp", seaLevels([0, 10, 20]));
   });
 
+  // The first of all: every open page gets every packet, and would be at work as well.
+  test(`${LONG} levels in three panels and the table are drawn in ${FIRST_DRAWING_MS} ms`, async (t) => {
+    await measured(t, FIRST_DRAWING_MS, async () => {
+      const page = await stage.newPage({ before: notePackets });
+      // As a user finds it: come to rest.
+      await page.waitForTimeout(500);
+      const { tasks, frames } = await longOnes(page, async () => {
+        // Nothing looks at the page meanwhile: that would be work of its own.
+        await page.evaluate(() => new Promise<void>((drawn) => {
+          new PerformanceObserver((entries) => {
+            if (entries.getEntriesByName("cast drawn").length > 0) drawn();
+          }).observe({ type: "measure" });
+          document.querySelector<HTMLElement>('[data-name="long.vp2"]')?.click();
+        }));
+      });
+      await shown(page, "long.vp2");
+      const took = await page.evaluate(() => {
+        const drawing = performance.getEntriesByName("cast drawn")[0];
+        const { arrived } = window as unknown as { arrived: number };
+        return drawing ? drawing.startTime + drawing.duration - arrived : NaN;
+      });
+      t.diagnostic(`first drawing: ${Math.round(took)} ms; ${listOf(tasks, frames)}`);
+      await page.context().close();
+      return took;
+    });
+  });
+
   test(`all that the page is made of has less than ${BUNDLE_KB} kB gzipped`, async (t) => {
     const sizes = await Promise.all(["page.js", "style.css", "index.html"].map(async (name) => {
       const { byteLength } = gzipSync(await (await fetch(new URL(name, stage.host.url))).text());
@@ -98,24 +125,6 @@ describe("long casts", () => {
     const page = await stage.page();
     await openCast(page, "two-thousand.asvp");
     assert.equal(await page.locator(".level-point").count(), 2000);
-  });
-
-  test(`${LONG} levels in three panels and the table are drawn in ${FIRST_DRAWING_MS} ms`, async (t) => {
-    await measured(t, FIRST_DRAWING_MS, async () => {
-      const page = await stage.newPage({ before: notePackets });
-      const { tasks, frames } = await longOnes(page, async () => {
-        await openCast(page, "long.vp2");
-        await page.waitForFunction(() => performance.getEntriesByName("cast drawn").length > 0);
-      });
-      const took = await page.evaluate(() => {
-        const drawing = performance.getEntriesByName("cast drawn")[0];
-        const { arrived } = window as unknown as { arrived: number };
-        return drawing ? drawing.startTime + drawing.duration - arrived : NaN;
-      });
-      t.diagnostic(`first drawing: ${Math.round(took)} ms; ${listOf(tasks, frames)}`);
-      await page.context().close();
-      return took;
-    });
   });
 
   test("a line of so many levels is drawn with the corners that pixels can show", async () => {

@@ -5,7 +5,7 @@ import type { Page } from "playwright-core";
 import { edit, stored, unsaved } from "./editing-parts";
 import { drag, held } from "./handing";
 import { levels, undo } from "./reshape-parts";
-import { Stage, connected, failed, openCast, seaLevels, shown, told } from "./stage";
+import { Stage, connected, failed, openCast, picture, seaLevels, shown, told } from "./stage";
 
 const title = (page: Page) => page.locator("#cast-title").textContent();
 const insertDialog = (page: Page) => page.getByRole("dialog", { name: "Insert a level" });
@@ -149,6 +149,12 @@ describe("open dialogs", () => {
     await page.locator("#drop-hint").getByText("Close the dialog first").waitFor();
     assert.ok(await drag(page, "drop", file));
     await told(page, "dropped.asvp was not opened: a dialog is open. Close the dialog first, then drop the file again.").waitFor();
+    // Over the dialog as well, where it is read.
+    const over = headerDialog(page).locator(".dialog-told");
+    await over.getByText("dropped.asvp was not opened: a dialog is open.").waitFor();
+    await picture(page, "told-over-a-dialog");
+    await over.getByRole("button", { name: /^Dismiss/ }).click();
+    assert.equal(await over.count(), 0);
     assert.equal(await source(page).inputValue(), "deck probe");
     await headerDialog(page).getByRole("button", { name: "Apply" }).click();
     assert.equal(await title(page), "a.asvp");

@@ -9,7 +9,7 @@ import {
   formatLongitude,
   formatMoment,
   formatSize,
-  formatValue,
+  formatValue, shownName
 } from "../../src/format";
 
 const f = Math.fround;
@@ -101,4 +101,10 @@ test("two decimals are seen in any value that a 32-bit float can tell from its n
   assert.equal(decimalsFor([Math.fround(0.125)]), 3);
   assert.equal(decimalsFor([Math.fround(0.001)]), 3);
   assert.equal(decimalsFor([1500.001]), 3);
+});
+
+test("a name is shown with a mark for what is not seen or turns others round", () => {
+  assert.equal(shownName("cast\u202egpj.asvp"), "cast\ufffdgpj.asvp");
+  assert.equal(shownName("a\u200bb\tc\u2028d"), "a\ufffdb\ufffdc\ufffdd");
+  assert.equal(shownName("Ærø 測 ’24.vp2"), "Ærø 測 ’24.vp2");
 });
