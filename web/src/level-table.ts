@@ -40,6 +40,21 @@ export interface TableEvents {
   insert(index: number): void;
 }
 
+/// What the library does a timer later than asked, which would be a frame behind the plot: done at
+/// once, and once.
+interface Creating {
+  _create(): void;
+}
+class PromptTable extends (Tabulator as unknown as new (...given: ConstructorParameters<typeof Tabulator>) => Tabulator & Creating) {
+  private isCreated = false;
+
+  override _create(): void {
+    if (this.isCreated) return;
+    this.isCreated = true;
+    super._create();
+  }
+}
+
 export class LevelTable {
   private table: Tabulator | null = null;
   private built: Promise<unknown> = Promise.resolve();
@@ -101,7 +116,7 @@ export class LevelTable {
     const all = this.widths.reduce((sum, width) => sum + width, numberWidth + SCROLLBAR);
     this.host.closest("main")?.style.setProperty("--levels", `${all}px`);
     const isLong = profile.count > FIRST_ROWS;
-    const table = new Tabulator(element, {
+    const table = new PromptTable(element, {
       data: rowsOf(isLong ? FIRST_ROWS : profile.count),
       index: "index",
       height: "100%",
@@ -131,6 +146,7 @@ export class LevelTable {
     this.rows = null;
     this.ranged.clear();
     this.drawn = new Promise<void>((resolve) => table.on("tableBuilt", () => resolve()));
+    table._create();
     this.built = isLong ? this.drawn.then(painted).then(rested).then(() => this.fill(table)) : this.drawn;
     void this.built.then(() => {
       makeGrid(element, "Levels");

@@ -297,10 +297,11 @@ function show(profile: Profile, file = profile.filename, stamp: Stamp | null = n
 /// Puts a cast on the page, freshly opened or not.
 function put(state: CastState, place: Place = "whole", isOnly = false): void {
   engine.forgetCheck();
+  // What is drawn has to have its place.
+  document.body.classList.add("has-cast");
   if (place === "whole") castView.restore(state);
   else castView.update(state, place, isOnly);
   castList.mark(state.profile.filename);
-  document.body.classList.add("has-cast");
   showEdits();
   showWaiting();
 }

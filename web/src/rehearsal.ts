@@ -7,7 +7,7 @@ import { drawPanels, plottedOf } from "./plot-panels";
 import { LIST_KEYS, type ListKey } from "./protocol";
 import type { Profile } from "./profile";
 
-const LEVELS = 200;
+const LEVELS = 40;
 
 /// Draws it as soon as the browser has nothing else to do, and takes it away again.
 export function rehearse(): void {
