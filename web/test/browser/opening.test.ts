@@ -154,7 +154,10 @@ describe("opening a cast", () => {
     await pick(page, held("odd.nokind", "0 1500\n10 1490\n"));
     const noFilter = failed(page, "odd.nokind could not be opened.");
     await noFilter.getByRole("button", { name: "Import filters…", exact: true }).click();
+    const filters = page.getByRole("dialog", { name: "Import filters" });
+    await filters.waitFor();
     await page.keyboard.press("Escape");
+    await filters.waitFor({ state: "hidden" });
     assert.ok(await noFilter.isVisible());
 
     await stage.host.writeCast("back.asvp", seaLevels([0, 10]));

@@ -34,6 +34,7 @@ describe("work under way", () => {
     const question = page.getByRole("dialog", { name: "When and where was this cast taken?" });
     await question.getByLabel("Latitude").fill("12 30.5 S");
     await question.getByLabel("Longitude").fill("10 E");
+    await question.getByLabel("Time of the cast, UTC").fill("2026-11-15 12:34:56");
     stage.host.hang(true);
     await page.keyboard.press("Enter");
     await doing(page, way === "send" ? "Sending nowhere.asvp…" : "Saving kept.asvp…").waitFor();
