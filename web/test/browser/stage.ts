@@ -157,6 +157,8 @@ export async function connected(page: Page): Promise<void> {
 export async function openCast(page: Page, name: string): Promise<void> {
   await page.getByRole("list", { name: "Casts" }).getByRole("button", { name }).click();
   await shown(page, name);
+  // One that was shown already is on its way once more.
+  await page.locator('#plot[aria-busy="false"]').waitFor();
 }
 
 /// Waits until a cast is the open one, drawn and listed.
