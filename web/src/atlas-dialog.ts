@@ -9,7 +9,7 @@ import {
   type Quantity,
 } from "./atlas";
 import { ask } from "./dialog";
-import { button, make, setDisabled } from "./dom";
+import { button, dialogForm, make, setDisabled } from "./dom";
 import { formatSize } from "./format";
 import { baseName } from "./profile";
 import type { PickedFile } from "./uploads";
@@ -79,15 +79,9 @@ export class AtlasDialog {
     name.htmlFor = use.id;
     choices.id = "atlas-choices";
     save.type = "submit";
-    const form = make("form", "", title, text, make("div", "way", use, name),
+    const form = dialogForm("", () => void this.store(), title, text, make("div", "way", use, name),
       this.parts.salinity.element, this.parts.temperature.element, choices, status,
       make("div", "question-buttons", button("", "Cancel", () => dialog.close()), save));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      void this.store();
-    });
     dialog.addEventListener("close", () => {
       this.turn += 1;
       this.hand?.abort();

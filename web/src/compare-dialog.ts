@@ -1,6 +1,6 @@
 /// The dialog in which the user chooses a cast to be laid under the open one.
 import type { Candidate, ComparedCasts } from "./compared-casts";
-import { button, make } from "./dom";
+import { button, dialogForm, make } from "./dom";
 import { baseName, type Profile } from "./profile";
 
 /// Rows of the list before it scrolls.
@@ -29,18 +29,12 @@ export class CompareDialog {
     choice.setAttribute("aria-label", "Cast to compare with");
     status.setAttribute("role", "status");
     confirm.type = "submit";
-    const form = make("form", "", title,
+    const form = dialogForm("", () => void this.take(), title,
       make("p", "question-text", "The other cast is drawn under the open one; nothing else is done with it."),
       choice, status,
       make("div", "question-buttons", button("", "Cancel", () => dialog.close()), confirm));
-    form.method = "dialog";
-    form.noValidate = true;
     dialog.append(form);
     document.body.append(dialog);
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      void this.take();
-    });
     choice.addEventListener("dblclick", () => void this.take());
     choice.addEventListener("keydown", (event) => {
       if (event.key !== "Enter") return;

@@ -73,3 +73,16 @@ export function painted(): Promise<void> {
     });
   });
 }
+
+/// The form of a dialog that stays open until it is told to close: Enter and the button that submits do
+/// `taken`.
+export function dialogForm(className: string, taken: () => void, ...parts: (Node | string)[]): HTMLFormElement {
+  const form = make("form", className, ...parts);
+  form.method = "dialog";
+  form.noValidate = true;
+  form.addEventListener("submit", (event) => {
+    event.preventDefault();
+    taken();
+  });
+  return form;
+}

@@ -1,6 +1,6 @@
 /// The dialog in which the user says by what the open cast is continued.
 import { columnsOf, holdsConductivity } from "./columns";
-import { button, make, setDisabled } from "./dom";
+import { button, dialogForm, make, setDisabled } from "./dom";
 import { extendFailedText, isAboutOrder } from "./extend-words";
 import type { ExtendWay, Extender, ExtensionFile } from "./extender";
 import { WATER_RANGES, type Extended } from "./extension";
@@ -152,14 +152,8 @@ export class ExtendDialog {
       this.fileFacts,
     );
     confirm.type = "submit";
-    const form = make("form", "", title, text, ways, status,
+    const form = dialogForm("", () => void this.extend(), title, text, ways, status,
       make("div", "question-buttons", this.checkButton, button("", "Cancel", () => dialog.close()), confirm));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      void this.extend();
-    });
     dialog.addEventListener("close", () => {
       this.turn += 1;
       this.profile = null;

@@ -2,7 +2,7 @@
 import { readAtlas } from "./atlas";
 import type { Comparison } from "./comparison";
 import { ComparisonView } from "./comparison-view";
-import { button, make, setDisabled } from "./dom";
+import { button, dialogForm, make, setDisabled } from "./dom";
 import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText, unreadableText } from "./fix-words";
 import type { Fixed, FixedFile, Fixer } from "./fixer";
 import { fixedName, fixedProfile, lacksSurface } from "./fixing";
@@ -113,14 +113,8 @@ export class FixDialog {
     );
     this.result.append(facts, largest, this.comparison.element);
     confirm.type = "submit";
-    const form = make("form", "", title, this.asking, this.result, status,
+    const form = dialogForm("", () => void this.fix(), title, this.asking, this.result, status,
       make("div", "question-buttons", this.checkButton, this.atlasButton, this.surfaceButton, this.cancel, confirm, this.close));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      void this.fix();
-    });
     dialog.addEventListener("close", () => {
       this.turn += 1;
       this.profile = null;

@@ -1,6 +1,6 @@
 /// The dialog in which the header of the open cast is edited.
 import { ask } from "./dialog";
-import { button, make } from "./dom";
+import { button, dialogForm, make } from "./dom";
 import { fieldOf, fieldText, kindChoices, kindFault, withHeader } from "./header-edit";
 import { headerLabel, headerRows } from "./header-fields";
 import type { Profile } from "./profile";
@@ -70,14 +70,8 @@ export class HeaderDialog {
     for (const { key, label } of headerRows(profile.header)) fields.append(this.field(profile, key, label));
     const confirm = make("button", "primary", "Apply");
     confirm.type = "submit";
-    const form = make("form", "", title, fields,
+    const form = dialogForm("", () => this.take(profile), title, fields,
       make("div", "question-buttons", button("", "Cancel", () => void this.close()), confirm));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      this.take(profile);
-    });
     this.dialog.replaceChildren(form);
   }
 

@@ -1,7 +1,7 @@
 /// The dialog for a level at a depth that the user states: its other values are offered.
 import { listName, typedValue } from "./cell-values";
 import type { Column } from "./columns";
-import { button, make } from "./dom";
+import { button, dialogForm, make } from "./dom";
 import { formatCount, formatValue } from "./format";
 import { offerFor, type Offer, type Values } from "./level-edits";
 import { NumberField } from "./number-field";
@@ -64,14 +64,8 @@ export class InsertDialog {
     const confirm = make("button", "primary", "Insert");
     confirm.type = "submit";
     const fields = make("div", "insert-fields", ...[...this.fields.values()].map(({ element }) => element));
-    const form = make("form", "", title, fields, place,
+    const form = dialogForm("", () => this.take(profile), title, fields, place,
       make("div", "question-buttons", button("", "Cancel", () => this.dialog.close()), confirm));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      this.take(profile);
-    });
     this.dialog.replaceChildren(form);
   }
 

@@ -1,6 +1,6 @@
 /// The dialog in which the user sends a ray through the open cast and another profile.
 import type { Asker } from "./asker";
-import { button, make, makeSvg } from "./dom";
+import { button, dialogForm, make, makeSvg } from "./dom";
 import { Latest } from "./latest";
 import { NumberField } from "./number-field";
 import { levelCount } from "./outbox-words";
@@ -120,17 +120,11 @@ export class RayDialog {
     choice.addEventListener("change", () => this.trace());
     const name = make("label", "", "Second profile");
     name.htmlFor = choice.id;
-    const form = make("form", "thin-side",
+    const form = dialogForm("thin-side", () => this.trace(),
       make("p", "", "The same ray through the open cast and through a second profile, from the first level of each."),
       this.angle.element, slider,
       make("div", "number-field", name, choice), this.speed.element, facts, status,
       make("div", "thin-actions", this.fixButton, button("", "Close", () => dialog.close())));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      this.trace();
-    });
     dialog.append(
       make("div", "panel-head", title),
       make("div", "thin-parts", form, make("div", "thin-main", this.legend, this.plot.element)),

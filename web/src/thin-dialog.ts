@@ -1,6 +1,6 @@
 /// The dialog in which the user tries how far the open cast can be thinned, and keeps what is good.
 import { columnsOf, plotQuantities } from "./columns";
-import { button, make, setDisabled } from "./dom";
+import { button, dialogForm, make, setDisabled } from "./dom";
 import { isAboutOrder, notWholeText, previewLines, thinFailedText } from "./extend-words";
 import { legend } from "./legend";
 import { NumberField } from "./number-field";
@@ -124,7 +124,7 @@ export class ThinDialog {
       this.discard();
     });
     tryButton.type = "submit";
-    const form = make("form", "thin-side",
+    const form = dialogForm("thin-side", () => void this.preview(),
       make(
         "p",
         "",
@@ -133,12 +133,6 @@ export class ThinDialog {
       this.tolerance.element, slider, tryButton, facts, status,
       make("div", "thin-actions", this.extendButton, this.checkButton, this.keepButton,
         button("", "Discard", () => dialog.close())));
-    form.method = "dialog";
-    form.noValidate = true;
-    form.addEventListener("submit", (event) => {
-      event.preventDefault();
-      void this.preview();
-    });
     dialog.append(
       make("div", "panel-head", title),
       make("div", "thin-parts", form, make("div", "thin-main", this.legend, this.plotPlace)),
