@@ -44,7 +44,7 @@ import { postFile } from "./post-file";
 import type { Profile } from "./profile";
 import { Action, SUCCESS } from "./protocol";
 import { Repair } from "./repair";
-import { explainShortcuts, listenForShortcuts } from "./shortcuts";
+import { LetterKeys, explainShortcuts, listenForShortcuts } from "./shortcuts";
 import { ThemeSwitch } from "./theme";
 import { ThinDialog } from "./thin-dialog";
 import { Thinner, type ThinnedFile } from "./thinner";
@@ -454,7 +454,7 @@ byId("filters").addEventListener("click", () => void filterDialog.show());
 byId("refresh").addEventListener("click", () => void folder.refresh());
 byId("help-open").addEventListener("click", () => help.showModal());
 explainShortcuts(byId("help-keys"), shortcuts);
-listenForShortcuts(shortcuts);
+listenForShortcuts(shortcuts, new LetterKeys(byId("letter-keys")));
 connection.onState((state) => linkState.show(state));
 setInterval(() => {
   engine.expire();

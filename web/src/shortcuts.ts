@@ -2,6 +2,8 @@
 import { isAsking } from "./dialog";
 import { make } from "./dom";
 
+const STORED_AS = "svp-editor-letter-keys";
+
 export interface Shortcut {
   /// One or several with blanks between them, such as "U Ctrl+Z".
   key: string;
@@ -10,7 +12,37 @@ export interface Shortcut {
   run?: () => void;
 }
 
-export function listenForShortcuts(shortcuts: readonly Shortcut[]): void {
+/// Whether keys that write a character do something on the page as a whole. Who speaks to the page, or
+/// rests a hand on the keyboard, can have them off; the browser remembers it.
+export class LetterKeys {
+  private on = wereOn();
+
+  constructor(control: HTMLInputElement) {
+    control.checked = this.on;
+    control.addEventListener("change", () => {
+      this.on = control.checked;
+      try {
+        localStorage.setItem(STORED_AS, this.on ? "on" : "off");
+      } catch {
+        // A browser without storage forgets it.
+      }
+    });
+  }
+
+  get areOn(): boolean {
+    return this.on;
+  }
+}
+
+function wereOn(): boolean {
+  try {
+    return localStorage.getItem(STORED_AS) !== "off";
+  } catch {
+    return true;
+  }
+}
+
+export function listenForShortcuts(shortcuts: readonly Shortcut[], letters: Pick<LetterKeys, "areOn">): void {
   document.addEventListener("keydown", (event) => {
     if (event.defaultPrevented || event.altKey) return;
     // What the shift key makes of another key is that key's own name, save together with Ctrl.
@@ -18,7 +50,7 @@ export function listenForShortcuts(shortcuts: readonly Shortcut[]): void {
     const pressed = held + event.key.toLowerCase();
     // The browser would save the page itself.
     if (pressed === "ctrl+s") event.preventDefault();
-    if (isAsking()) return;
+    if (isAsking() || (!letters.areOn && pressed.length === 1)) return;
     const shortcut = shortcuts.find(({ key, run }) => run && key.toLowerCase().split(" ").includes(pressed));
     if (!shortcut?.run) return;
     event.preventDefault();

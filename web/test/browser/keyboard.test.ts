@@ -6,7 +6,7 @@ import { describe, test } from "node:test";
 import type { Page } from "playwright-core";
 import { stored, typing } from "./editing-parts";
 import { FAULTY } from "./repair-parts";
-import { Stage, closed, picture, seaLevels, shown, told } from "./stage";
+import { Stage, closed, connected, openCast, picture, seaLevels, shown, told } from "./stage";
 
 const press = async (page: Page, ...keys: string[]): Promise<void> => {
   for (const key of keys) await page.keyboard.press(key);
@@ -58,6 +58,38 @@ describe("keyboard", () => {
     await press(page, "Enter");
     await shown(page, "faulty.asvp");
   }
+
+  test("keys of one character can be had off, and stay so", async () => {
+    const page = await stage.page();
+    await openFaulty(page);
+    await press(page, "?");
+    await opened(page);
+    const letters = page.getByLabel("Single letters, digits and signs are keys of the page");
+    assert.ok(await letters.isChecked());
+    await tabTo(page, "#letter-keys");
+    await press(page, " ", "Escape");
+    await closed(page);
+    const isQuiet = async () => {
+      await press(page, "t", "d", "0", "?", "w");
+      await closed(page);
+      assert.equal(await page.locator("html").getAttribute("data-theme"), "dark");
+      assert.equal(await page.getByRole("menu").filter({ visible: true }).count(), 0);
+    };
+    await isQuiet();
+    await page.reload();
+    await connected(page);
+    await openCast(page, "faulty.asvp");
+    await isQuiet();
+    await tabTo(page, "[role=grid]");
+    await press(page, "Home", "Delete", "Control+z");
+    await page.locator("#redo").waitFor();
+
+    await page.getByRole("button", { name: "Help" }).click();
+    await letters.check();
+    await press(page, "Escape");
+    await press(page, "t");
+    await page.locator("html[data-theme=light]").waitFor();
+  });
 
   test("a whole job: open, check, step through, mend, undo, save", async () => {
     const page = await stage.page();
