@@ -50,58 +50,156 @@ for (const preset of ["dev", "release", "fuzz"]) {
   if (!existsSync(file)) continue;
   for (const entry of JSON.parse(readFileSync(file, "utf8"))) {
     const source = path.relative(root, path.resolve(entry.directory, entry.file));
-    if (!commands.has(source)) commands.set(source, { ...entry, build: `build/${preset}` });
+    // Without precompiled headers, which are another compiler's and would hide an include that a
+    // source lacks.
+    const command = entry.command.replaceAll(/ -include \S+\/cmake_pch\.hxx| -Winvalid-pch| -fpch-preprocess/g, "");
+    if (!commands.has(source)) commands.set(source, { ...entry, command });
   }
 }
+const database = "build/lint";
+mkdirSync(database, { recursive: true });
 
 const versions = (await run("clang-tidy", ["--version"])).out + (await run("clazy-standalone", ["--version"])).out;
 const config = readFileSync(".clang-tidy", "utf8") + readFileSync(fileURLToPath(import.meta.url), "utf8");
 
-// The text that the compiler sees, as a name for "this was clean". Compiler flags are in it too.
-async function fingerprint(entry) {
-  const words = entry.command.split(" ").filter((word) => word && !/(^|\/)ccache$/.test(word));
-  const compiler = words.shift();
-  const args = [];
-  for (let i = 0; i < words.length; ++i) {
-    if (["-o", "-MF", "-MT"].includes(words[i])) ++i;
-    else if (!["-c", "-MD", "-MMD"].includes(words[i])) args.push(words[i].replaceAll('\\"', '"'));
+// What each object was made of, as the builds have it.
+const headersOf = new Map();
+for (const preset of ["dev", "release"]) {
+  if (!existsSync(`build/${preset}/.ninja_deps`)) continue;
+  let headers;
+  for (const line of (await run("ninja", ["-C", `build/${preset}`, "-t", "deps"])).out.split("\n")) {
+    if (line.startsWith("    ")) headers?.push(path.resolve(`build/${preset}`, line.trim()));
+    else if (/: #deps .*\(VALID\)$/.test(line)) headersOf.set(path.resolve(`build/${preset}`, line.replace(/: #deps .*/, "")), headers = []);
   }
-  const text = await run(compiler, ["-E", ...args]);
-  if (text.code !== 0) return null;
-  const strip = (s) => s.replaceAll(root, "");
-  return createHash("sha256").update(versions).update(config).update(strip(args.join(" ")))
-    .update(strip(text.out)).digest("hex");
+}
+const hashes = new Map();
+function hashOf(file) {
+  if (!hashes.has(file)) hashes.set(file, existsSync(file) ? createHash("sha256").update(readFileSync(file)).digest("hex") : "none");
+  return hashes.get(file);
+}
+
+// The content of a source and of all that it includes, as a name for "this was clean". Compiler flags
+// are in it too. Null for what has not been built.
+const strip = (text) => text.replaceAll(root, "");
+function fingerprint(source) {
+  const entry = commands.get(source);
+  const object = path.resolve(entry.directory, /-o (\S+)/.exec(entry.command)?.[1] ?? "");
+  const headers = headersOf.get(object);
+  if (!headers) return null;
+  const all = new Set(headers.flatMap((file) => (file.endsWith(".gch") ? headersOf.get(file) ?? [file] : [file])));
+  const name = createHash("sha256").update(versions).update(config).update(strip(entry.command));
+  for (const file of [path.resolve(source), ...[...all].sort()]) name.update(strip(file)).update(hashOf(file));
+  return name.digest("hex");
+}
+
+// Most of the time goes into the headers that sources share, and into what the tools say of those and
+// is not heard. So several sources are looked at as one where they can be: tests, each in a namespace
+// of its own, and sources of different rooms, which have theirs. Null for a source that includes
+// something further down.
+const leading = /^(?:\s*(?:\/\/[^\n]*)?\n|\s*#[^\n]*\n)*/;
+function partsOf(source) {
+  const text = readFileSync(source, "utf8");
+  const head = leading.exec(text)[0];
+  const includes = head.slice(0, head.lastIndexOf("#")) + /#[^\n]*\n/.exec(head.slice(head.lastIndexOf("#")))?.[0];
+  const body = text.slice(includes.length);
+  const conditions = includes.match(/^\s*#\s*if/gm)?.length ?? 0;
+  const ends = includes.match(/^\s*#\s*endif/gm)?.length ?? 0;
+  return conditions !== ends || /^\s*#\s*(include|define)/m.test(body) || /^\s*#\s*define/m.test(includes) ? null : { includes, body };
+}
+
+/// The text of several sources as one.
+function unitOf(sources) {
+  const parts = sources.map(partsOf);
+  const seen = new Set();
+  // No include twice, which is for one source to mind.
+  const heads = parts.map(({ includes }) => includes.split("\n")
+    .filter((line) => !/^#\s*include/.test(line) || (!seen.has(line) && seen.add(line))).join("\n"));
+  const bodies = parts.map(({ body }, k) => (sources[k].startsWith("tests/") ? `namespace apart_${k} {\n${body}\n}\n` : body));
+  return [...heads, ...bodies].join("\n");
 }
 
 // Tests keep texts in static objects, and classes of one translation unit need no parent.
 const clazyChecks = "level1,no-non-pod-global-static,no-ctor-missing-parent-argument";
-// The analyzer would spend two thirds of its time inside of the network library's templates.
+// In the host and in tests the analyzer would spend nine tenths of its time inside of the templates
+// of the network and the test library.
 const shallow = ["-Xclang", "-analyzer-config", "-Xclang", "c++-template-inlining=false"].map((arg) => `--extra-arg=${arg}`);
-const usesNetworkLibrary = (source) => /^(tests\/)?host\//.test(source);
-async function lint(source) {
-  const entry = commands.get(source);
-  const key = await fingerprint(entry);
-  const mark = key && path.join(cache, key);
-  if (mark && !checkAll && existsSync(mark)) return "known";
+// Tables of cases in tests are ordered for the reader.
+const anyOrder = "--checks=-clang-analyzer-optin.performance.Padding";
+const inTemplates = (source) => /^(tests|host)\//.test(source);
+async function look(file, source) {
   const tidy = await run("clang-tidy", [
-    "--quiet", "-p", entry.build, ...(usesNetworkLibrary(source) ? shallow : []), source,
+    "--quiet", "-p", database, ...(inTemplates(source) ? shallow : []), ...(source.startsWith("tests/") ? [anyOrder] : []), file,
   ]);
-  const clazy = await run("clazy-standalone", [`--checks=${clazyChecks}`, "-p", entry.build, source]);
+  const clazy = await run("clazy-standalone", [`--checks=${clazyChecks}`, "-p", database, file]);
   const said = clazy.out + clazy.err;
-  if (tidy.code !== 0 || clazy.code !== 0 || /\[-Wclazy-/.test(said)) {
-    process.stderr.write(`== ${source}\n${tidy.out}${tidy.code ? tidy.err : ""}${said}\n`);
-    return "faulty";
-  }
-  if (mark) writeFileSync(mark, source);
-  return "clean";
+  const isClean = tidy.code === 0 && clazy.code === 0 && !/\[-Wclazy-/.test(said);
+  return { isClean, said: `${tidy.out}${tidy.code ? tidy.err : ""}${said}` };
 }
 
-const sources = tracked.filter((file) => file.endsWith(".cpp") && commands.has(file));
+async function lint(sources, number) {
+  if (sources.length > 1) {
+    const file = path.resolve(`${database}/unit${number}.cpp`);
+    const { isClean } = await look(file, sources[0]);
+    if (isClean) return sources.forEach(markClean);
+    // Not to be looked at as one, or faulty: each by itself says which, and where.
+    for (const source of sources) await lint([source]);
+    return;
+  }
+  const [source] = sources;
+  const { isClean, said } = await look(source, source);
+  if (isClean) return markClean(source);
+  process.stderr.write(`== ${source}\n${said}\n`);
+  ++counts.faulty;
+}
+
+const marks = new Map();
+function markClean(source) {
+  const mark = marks.get(source);
+  if (mark) writeFileSync(mark, source);
+  ++counts.clean;
+}
+
 const counts = { known: 0, clean: 0, faulty: 0 };
-const queue = [...sources];
-const workers = cpus().length;
-await Promise.all(Array.from({ length: workers }, async () => {
-  for (let source = queue.shift(); source; source = queue.shift()) ++counts[await lint(source)];
+const news = tracked.filter((file) => {
+  if (!file.endsWith(".cpp") || !commands.has(file)) return false;
+  const key = fingerprint(file);
+  if (key) marks.set(file, path.join(cache, key));
+  if (!key || checkAll || !existsSync(marks.get(file))) return true;
+  ++counts.known;
+  return false;
+});
+
+// Tests of a room by eights; of the other rooms the first source of each, then the second of each …
+const MOST = 8;
+const roomOf = (source) => path.dirname(source);
+const rooms = new Map();
+for (const source of news) rooms.set(roomOf(source), [...(rooms.get(roomOf(source)) ?? []), source]);
+const isOfEngine = (room) => ["platform", "seawater", "settings", "raytrace", "profile", "processing", "datagram", "convert", "plugin"].includes(room);
+const groups = [];
+const ranks = [];
+for (const [room, files] of rooms) {
+  const joint = files.filter((source) => (isOfEngine(room) || (room.startsWith("tests/") && source.endsWith("_test.cpp"))) && partsOf(source));
+  groups.push(...files.filter((source) => !joint.includes(source)).map((source) => [source]));
+  if (isOfEngine(room)) joint.forEach((source, k) => (ranks[k] ??= []).push(source));
+  else for (let k = 0; k < joint.length; k += MOST) groups.push(joint.slice(k, k + MOST));
+}
+groups.push(...ranks);
+groups.sort((a, b) => b.length - a.length);
+
+const joined = [...commands.values()];
+groups.forEach((sources, number) => {
+  if (sources.length === 1) return;
+  const file = path.resolve(`${database}/unit${number}.cpp`);
+  writeFileSync(file, unitOf(sources));
+  // Rooms differ in the libraries whose headers they may include.
+  const entry = sources.map((source) => commands.get(source)).sort((a, b) => b.command.length - a.command.length)[0];
+  joined.push({ ...entry, file, command: entry.command.replace(/\S+\.cpp$/, file) });
+});
+writeFileSync(`${database}/compile_commands.json`, JSON.stringify(joined));
+
+const queue = groups.map((sources, number) => [sources, number]);
+await Promise.all(Array.from({ length: cpus().length }, async () => {
+  for (let next = queue.shift(); next; next = queue.shift()) await lint(...next);
 }));
 console.log(`tidy and clazy: ${counts.clean} sources clean, ${counts.known} unchanged since they were, ${counts.faulty} faulty`);
 process.exit(counts.faulty ? 1 : 0);
