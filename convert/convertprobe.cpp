@@ -154,7 +154,7 @@ Outcome Converter::convert(const QString& input)
 
     const QString target = targetOf(input);
     const QString place = canonicalPath(target);
-    if (m_inputs.contains(place))
+    if (m_inputs.contains(place, platform::pathCase()))
         return refused(input, QStringLiteral("%1 is an input itself").arg(target));
     if (const int earlier = m_written.indexOf(place); earlier >= 0)
         return refused(input, QStringLiteral("%1 holds the profile of %2 already")

@@ -1,17 +1,11 @@
 #include "convert/convertprobe.h"
-#include "platform/platform.h"
+#include "platform/process.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <clocale>
 #include <cstdio>
-#include <string>
-
-#ifndef Q_OS_WIN
-#include <langinfo.h>
-#endif
 
 namespace {
 
@@ -21,17 +15,6 @@ enum ExitCode : int
     someFailed = 1,
     wrongUsage = 2,
 };
-
-// Qt takes the codec of file names from the locale; a plain one would lose every letter that is
-// not ASCII.
-void prepareFileNames()
-{
-#ifndef Q_OS_WIN
-    const bool known = std::setlocale(LC_ALL, "") != nullptr;
-    if (!known || std::string(nl_langinfo(CODESET)) != "UTF-8")
-        qputenv("LC_ALL", "C.UTF-8");
-#endif
-}
 
 void print(std::FILE* stream, const QString& text)
 {
@@ -50,8 +33,7 @@ int refuse(const QString& reason)
 
 int main(int argc, char** argv)
 {
-    prepareFileNames();
-    platform::useUtf8Console();
+    platform::useUtf8();
     const QCoreApplication app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
@@ -72,7 +54,7 @@ int main(int argc, char** argv)
         print(stdout, parser.helpText());
         return allConverted;
     }
-    const QStringList inputs = parser.positionalArguments();
+    const QStringList inputs = platform::expandedPatterns(parser.positionalArguments());
     const QString folder = parser.value(to);
     if (inputs.isEmpty())
         return refuse(QStringLiteral("no file to convert"));

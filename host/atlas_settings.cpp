@@ -211,7 +211,8 @@ bool isAtlasFileName(const QString& name)
     // A dot at the front hides a file, and one at the end, or a blank, gets lost on Windows.
     return !name.isEmpty() && name.toUtf8().size() <= kLongestName &&
            !name.startsWith(QLatin1Char('.')) && !name.endsWith(QLatin1Char('.')) &&
-           name.trimmed() == name && std::none_of(name.begin(), name.end(), isRefused);
+           name.trimmed() == name && !platform::isDeviceName(name) &&
+           std::none_of(name.begin(), name.end(), isRefused);
 }
 
 } // namespace host

@@ -3,11 +3,12 @@
 #include "host/options.h"
 #include "host/plugin_gateway.h"
 #include "host/server.h"
-#include "host/system.h"
+#include "platform/process.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
 
+#include <clocale>
 #include <cstdio>
 
 namespace {
@@ -23,7 +24,7 @@ enum ExitCode : int
 int fail(ExitCode code, const QString& reason)
 {
     std::fprintf(stderr, "svp-host: %s\n", reason.simplified().toUtf8().constData());
-    host::holdConsole();
+    platform::holdConsole();
     return code;
 }
 
@@ -37,9 +38,11 @@ void say(const QString& text)
 
 int main(int argc, char** argv)
 {
-    host::prepareProcess();
+    platform::useUtf8();
+    platform::useBareOutput();
     QCoreApplication app(argc, argv);
-    host::keepNumbersPlain();
+    // Qt has adopted the user's locale, in which numbers may have a comma.
+    std::setlocale(LC_NUMERIC, "C");
     QCoreApplication::setApplicationName(QStringLiteral("svp-host"));
     host::logToStderr();
 
@@ -67,7 +70,7 @@ int main(int argc, char** argv)
     problem = host::DataFolder(options.dataFolder).layOut(options.samplesFolder);
     if (!problem.isEmpty())
         return fail(kExitArguments, problem);
-    host::setEnvironment("ProgramData", options.dataFolder);
+    platform::setEnvironment("ProgramData", options.dataFolder);
     problem = plugin.load(options.pluginFile);
     if (!problem.isEmpty())
         return fail(kExitPlugin, problem);

@@ -1,5 +1,7 @@
 #include "host/options.h"
 
+#include "platform/process.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -49,11 +51,7 @@ QString installedPart(const QString& beside, const QString& inSystem)
 
 QString installedPlugin()
 {
-#ifdef Q_OS_WIN
-    const QString name = QStringLiteral("svpwebinterface.dll");
-#else
-    const QString name = QStringLiteral("libsvpwebinterface.so");
-#endif
+    const QString name = platform::moduleFileName(QStringLiteral("svpwebinterface"));
     return installedPart(name, QStringLiteral("../lib/svp-editor/") + name);
 }
 

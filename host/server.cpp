@@ -1,7 +1,7 @@
 #include "host/server.h"
 
 #include "host/http_connection.h"
-#include "host/system.h"
+#include "platform/process.h"
 
 #include <QtDebug>
 #include <boost/asio/ip/address.hpp>
@@ -68,10 +68,10 @@ QString Server::listen()
     const tcp::endpoint endpoint(net::ip::make_address(address_), port_);
     Error error;
     acceptor_.open(endpoint.protocol(), error);
-    if (!error && reusesAddress())
-        acceptor_.set_option(tcp::acceptor::reuse_address(true), error);
-    if (!error)
+    if (!error) {
+        platform::claimPort(std::intptr_t(acceptor_.native_handle()));
         acceptor_.bind(endpoint, error);
+    }
     if (!error)
         acceptor_.listen(net::socket_base::max_listen_connections, error);
     if (!error)
@@ -101,10 +101,11 @@ void Server::start()
     for (const QString& name : site_.plugin.postNames())
         site_.postPaths.push_back('/' + name.toStdString());
     Error error;
-    for (const int number : stopSignals())
+    for (const int number : platform::stopSignals())
         signals_.add(number, error);
     if (error)
         qWarning("Signals that ask the host to stop may go unheard: %s", error.message().c_str());
+    platform::stopWithTheWindow();
     awaitSignal();
     accept();
     thread_ = std::thread([this] { run(); });

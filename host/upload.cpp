@@ -2,6 +2,7 @@
 
 #include "host/atlas_settings.h"
 #include "host/site.h"
+#include "platform/platform.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -136,6 +137,7 @@ void Upload::commit()
     if (outcome_)
         return;
     const qint64 size = file_.size();
+    platform::awaitReplaceable(file_.fileName());
     if (!file_.commit())
         return refuse(
             http::status::insufficient_storage,

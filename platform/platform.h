@@ -28,6 +28,13 @@ QString dataRoot();
 /// a data root.
 QString defaultProfileFolder(const QString& windowsDefault);
 
+/// Whether Windows takes `name`, of a file without its folder, for a device ("NUL", "com1.txt"). To
+/// be asked on every system about a name that is to lead to a file on all.
+bool isDeviceName(const QString& name);
+
+/// Whether paths that differ in upper and lower case alone lead to the same file.
+Qt::CaseSensitivity pathCase();
+
 /// Whether a file below some folder may have this name, which may hold sub-folders, separated by
 /// "/". Windows keeps some names for devices ("NUL", "com1.txt"), takes a colon for a stream inside
 /// a file and drops blanks and dots at the end: such a name would lead to something else than the
@@ -52,9 +59,6 @@ std::FILE* openStream(const QString& path, const char* mode);
 /// Writes one diagnostic text, as it stands, to the system's debug output: the debugger's
 /// output on Windows, the error stream elsewhere.
 void debugOutput(const std::string& text);
-
-/// Lets a console show what this program writes, which is UTF-8, until it ends.
-void useUtf8Console();
 
 /// Receives what would go to the debug output; an empty function restores the system's own.
 using DebugSink = void (*)(const std::string& text);
@@ -81,6 +85,10 @@ enum class Replaced
 /// its content stays when `path` is replaced; where the file system knows no second names, copies
 /// it. False, and nothing changed, when that fails or `backup` is taken.
 bool keepAs(const QString& path, const QString& backup);
+
+/// Waits, a second at most, while another program keeps the file `path` from being replaced: on
+/// Windows those that look for viruses or index files open each new one for a moment.
+void awaitReplaceable(const QString& path);
 
 /// Brings what was written through an open file to the disk. False when the system reports that
 /// it could not.

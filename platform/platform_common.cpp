@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 namespace platform {
@@ -12,6 +13,16 @@ QString dataRoot()
     if (programData.isEmpty())
         return {};
     return nativePath(programData + QStringLiteral("\\Ardentide\\"));
+}
+
+bool isDeviceName(const QString& name)
+{
+    // What stands before the first dot or colon decides.
+    static const QRegularExpression device(
+        QStringLiteral("^(CON|PRN|AUX|NUL|CONIN\\$|CONOUT\\$|(COM|LPT)[0-9\u00b9\u00b2\u00b3])"
+                       " *([.:]|$)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return device.match(name).hasMatch();
 }
 
 bool replaceFile(const QString& path, const QByteArray& content, QString* error)
@@ -33,6 +44,7 @@ Replaced replaceFileKeeping(const QString& path, const QString& backup, const QB
         return failure(Replaced::NotOpened);
     if (file.write(content) != content.size() || !file.flush() || !syncToDisk(file.handle()))
         return failure(Replaced::NotWritten);
+    awaitReplaceable(path);
     const bool isKept = !backup.isEmpty() && keepAs(path, backup);
     if (file.commit())
         return Replaced::Whole;

@@ -40,6 +40,11 @@ QString systemFile(const QString& windowsPath, const QString& belowDataRoot)
     return root.isEmpty() ? QString() : root + belowDataRoot;
 }
 
+Qt::CaseSensitivity pathCase()
+{
+    return Qt::CaseSensitive;
+}
+
 bool isFileName(const QString& name)
 {
     Q_UNUSED(name)
@@ -74,12 +79,15 @@ bool keepAs(const QString& path, const QString& backup)
     return errno != EEXIST && QFile::copy(path, backup);
 }
 
+void awaitReplaceable(const QString& path)
+{
+    Q_UNUSED(path)
+}
+
 bool syncToDisk(int handle)
 {
     return ::fdatasync(handle) == 0 || errno == EINVAL || errno == ENOSYS;
 }
-
-void useUtf8Console() {}
 
 void debugOutput(const std::string& text)
 {

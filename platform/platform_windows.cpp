@@ -3,11 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <qt_windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <io.h>
 #include <string>
 #include <utility>
@@ -34,15 +32,17 @@ std::wstring plainPath(const QString& path)
     return L"\\\\?\\" + wide(absolute);
 }
 
-/// Whether Windows takes a file's name, without its folder, for a device: what stands before the
-/// first dot or colon decides.
-bool isDeviceName(const QString& name)
+/// Whether a file is there and nobody keeps it from being replaced; otherwise the system's last
+/// error says why.
+bool canBeReplaced(const QString& path)
 {
-    static const QRegularExpression device(
-        QStringLiteral("^(CON|PRN|AUX|NUL|CONIN\\$|CONOUT\\$|(COM|LPT)[0-9\u00b9\u00b2\u00b3])"
-                       " *([.:]|$)"),
-        QRegularExpression::CaseInsensitiveOption);
-    return device.match(name).hasMatch();
+    HANDLE file = CreateFileW(plainPath(path).c_str(), DELETE,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    CloseHandle(file);
+    return true;
 }
 
 } // namespace
@@ -72,6 +72,11 @@ QString environmentValue(const char* name)
 QString defaultProfileFolder(const QString& windowsDefault)
 {
     return windowsDefault;
+}
+
+Qt::CaseSensitivity pathCase()
+{
+    return Qt::CaseInsensitive;
 }
 
 bool isFileName(const QString& name)
@@ -134,27 +139,25 @@ bool keepAs(const QString& path, const QString& backup)
 {
     // A file that another program holds cannot be replaced, and a further name of it could not be
     // taken back then.
-    HANDLE file = CreateFileW(plainPath(path).c_str(), DELETE,
-                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    if (!canBeReplaced(path))
         return false;
-    CloseHandle(file);
     if (CreateHardLinkW(plainPath(backup).c_str(), plainPath(path).c_str(), nullptr))
         return true;
     return QFile::copy(path, backup); // refuses a name that is taken
 }
 
+void awaitReplaceable(const QString& path)
+{
+    for (int i = 0; i < 40; ++i) {
+        if (canBeReplaced(path) || GetLastError() != ERROR_SHARING_VIOLATION)
+            return;
+        Sleep(25);
+    }
+}
+
 bool syncToDisk(int handle)
 {
     return _commit(handle) == 0;
-}
-
-void useUtf8Console()
-{
-    static const UINT earlier = GetConsoleOutputCP();
-    if (earlier != 0 && SetConsoleOutputCP(CP_UTF8) != 0)
-        std::atexit([] { SetConsoleOutputCP(earlier); });
 }
 
 void debugOutput(const std::string& text)

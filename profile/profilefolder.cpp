@@ -41,9 +41,10 @@ ProfileFolder folderOr(const QString& configured, const QString& windowsDefault)
     const QString root = platform::dataRoot();
     const QString path =
         configured.isEmpty() ? platform::defaultProfileFolder(windowsDefault) : configured;
-    const bool isBelowRoot = !root.isEmpty() && QDir(path).absolutePath().startsWith(
-                                                    QDir(root).absolutePath() + QLatin1Char('/'));
-    return {path, isBelowRoot};
+    const bool isBelowRoot =
+        !root.isEmpty() && QDir(path).absolutePath().startsWith(
+                               QDir(root).absolutePath() + QLatin1Char('/'), platform::pathCase());
+    return {path, configured.isEmpty() || isBelowRoot};
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "datagram/receivedata.h"
 #include "datagram/receivefile.h"
+#include "tests/places.h"
 #include "tests/support/printers.h"
 
 #include <QDateTime>
@@ -258,6 +259,9 @@ TEST_F(ConvertProgram, NoInputIsWrittenOver)
     EXPECT_EQ(reached.exitCode, 1);
     const ProgramRun other = run({write(QStringLiteral("cast.txt"), rows), own});
     EXPECT_EQ(other.exitCode, 1);
+    EXPECT_EQ(read(QStringLiteral("cast.asvp")), rows);
+    // The same file as that of the input where systems look past upper and lower case.
+    run({write(QStringLiteral("CAST.TXT"), rows), own});
     EXPECT_EQ(read(QStringLiteral("cast.asvp")), rows);
 #ifdef Q_OS_WIN
     GTEST_SKIP() << "but for links, which Windows lets only administrators make";

@@ -2,6 +2,7 @@
 #include "convert/summary.h"
 #include "datagram/receivedata.h"
 #include "datagram/receivefile.h"
+#include "tests/places.h"
 #include "tests/support/printers.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "datagram/filewriter.h"
+#include "tests/places.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/log.h"
 

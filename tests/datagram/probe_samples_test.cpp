@@ -1,5 +1,6 @@
 #include "datagram/receivedata.h"
 #include "datagram/receivefile.h"
+#include "tests/places.h"
 #include "tests/support/commalocale.h"
 
 #include <QDir>

@@ -94,6 +94,9 @@ TEST(Casts, AreTheFilesOfTheFolderWithACastsSuffix)
                      QStringLiteral("a.ssp"), QStringLiteral("b.asvp"), QStringLiteral("d.aml"),
                      QStringLiteral("e.amlx"), QStringLiteral("f.valeport"),
                      QStringLiteral("g.ASVP"), QStringLiteral("two.dots.ssp")}));
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "but for links, which Windows lets only administrators make";
+#endif
 }
 
 TEST(Casts, ComeFromTheFolderThatTheIniNamesNow)

@@ -1,5 +1,7 @@
 #include "tests/host/host_process.h"
 
+#include "tests/places.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -9,6 +11,8 @@
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
+
+#include <cstdint>
 #endif
 
 namespace hosttest {
@@ -56,13 +60,6 @@ HostProcess::HostProcess(const QStringList& arguments, const QStringList& enviro
     process_.setProcessEnvironment(variables);
     // A file, since nobody drains a pipe while a test talks to the host.
     process_.setStandardErrorFile(folder_.filePath(QStringLiteral("stderr")));
-#ifdef Q_OS_WIN
-    // On our console, and in a group of its own: Ctrl+Break is to reach it alone.
-    process_.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments* start) {
-        start->flags &= ~static_cast<unsigned long>(CREATE_NO_WINDOW);
-        start->flags |= CREATE_NEW_PROCESS_GROUP;
-    });
-#endif
     process_.start(QStringLiteral(SVP_HOST_FILE), arguments);
 }
 
@@ -107,21 +104,30 @@ int HostProcess::awaitExit(int patienceMs)
     return ended ? process_.exitCode() : -1;
 }
 
+#ifdef Q_OS_WIN
+void* HostProcess::beginWindowEvent(unsigned long event)
+{
+    // Loaded at the same place in all programs.
+    const auto routine = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine")));
+    const HANDLE process =
+        OpenProcess(PROCESS_CREATE_THREAD | PROCESS_QUERY_INFORMATION | PROCESS_VM_OPERATION |
+                        PROCESS_VM_WRITE | PROCESS_VM_READ,
+                    FALSE, static_cast<DWORD>(processId()));
+    const HANDLE thread = CreateRemoteThread(
+        process, nullptr, 0, routine, reinterpret_cast<void*>(std::uintptr_t(event)), 0, nullptr);
+    EXPECT_NE(thread, nullptr) << GetLastError();
+    CloseHandle(process);
+    return thread;
+}
+#endif
+
 void HostProcess::terminate()
 {
 #ifdef Q_OS_WIN
-    EXPECT_NE(GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(processId())), 0);
+    CloseHandle(beginWindowEvent(CTRL_BREAK_EVENT));
 #else
     process_.terminate();
-#endif
-}
-
-bool HostProcess::canBeAsked()
-{
-#ifdef Q_OS_WIN
-    return GetConsoleCP() != 0;
-#else
-    return true;
 #endif
 }
 

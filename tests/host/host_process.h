@@ -72,10 +72,16 @@ class HostProcess
     /// Asks it to stop, as a service manager does.
     void terminate();
 
-    /// Whether it can be asked: Windows needs a console for that, and not every place where tests
-    /// run has one.
-    static bool canBeAsked();
-    qint64 processId() const { return process_.processId(); }
+#ifdef Q_OS_WIN
+    /// Has it told what it is told of its window (CTRL_BREAK_EVENT, CTRL_CLOSE_EVENT …). Windows
+    /// tells programs in a thread of their own; this begins one, which a window is not needed for.
+    /// The caller closes the handle of that thread.
+    void* beginWindowEvent(unsigned long event);
+#endif
+    qint64 processId() const
+    {
+        return process_.processId();
+    }
     bool isRunning();
 
     /// What it has written so far.
@@ -98,10 +104,5 @@ struct RunningHost
     HostProcess process;
     quint16 port() const { return process.port(); }
 };
-
-/// How a test begins that asks a host to stop.
-#define SVP_NEEDS_ASKING()                                                                         \
-    if (!hosttest::HostProcess::canBeAsked())                                                      \
-    GTEST_SKIP() << "without a console there is no Ctrl+Break, by which Windows asks a program"
 
 } // namespace hosttest

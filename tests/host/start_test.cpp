@@ -2,6 +2,7 @@
 
 #include "tests/host/client.h"
 #include "tests/host/host_process.h"
+#include "tests/places.h"
 
 #include <QDir>
 #include <QFile>

@@ -9,6 +9,10 @@
 #include <csignal>
 #include <deque>
 
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
 using namespace hosttest;
 
 namespace {
@@ -26,7 +30,6 @@ void beginCall(PageClient& page, int milliseconds)
 
 TEST(Stop, PagesAreToldAndTheHostEndsSoon)
 {
-    SVP_NEEDS_ASKING();
 #ifdef Q_OS_WIN
     const auto signals = {SIGBREAK};
 #else
@@ -55,9 +58,29 @@ TEST(Stop, PagesAreToldAndTheHostEndsSoon)
     }
 }
 
+#ifdef Q_OS_WIN
+TEST(Stop, AWindowThatIsClosedAsksToStop)
+{
+    for (const unsigned long event :
+         {DWORD(CTRL_CLOSE_EVENT), DWORD(CTRL_LOGOFF_EVENT), DWORD(CTRL_SHUTDOWN_EVENT)}) {
+        SCOPED_TRACE(event);
+        RunningHost host;
+        PageClient page(host.port());
+        const HANDLE told = host.process.beginWindowEvent(event);
+        EXPECT_EQ(page.awaitClose(), 1001);
+        EXPECT_EQ(host.process.awaitExit(), 0);
+        // As soon as the thread that is told had returned, Windows would have ended the program. It
+        // has ended with the program instead, and with its code.
+        DWORD code = STILL_ACTIVE;
+        EXPECT_TRUE(GetExitCodeThread(told, &code));
+        EXPECT_EQ(code, 0U);
+        CloseHandle(told);
+    }
+}
+#endif
+
 TEST(Stop, PagesThatDoNotListenAreNotWaitedFor)
 {
-    SVP_NEEDS_ASKING();
     RunningHost host;
     std::deque<PageClient> pages(20);
     for (PageClient& page : pages)
@@ -74,7 +97,6 @@ TEST(Stop, PagesThatDoNotListenAreNotWaitedFor)
 
 TEST(Stop, CallOfThePlugInIsLetFinish)
 {
-    SVP_NEEDS_ASKING();
     RunningHost host;
     PageClient page(host.port());
     beginCall(page, 1500);
@@ -90,7 +112,6 @@ TEST(Stop, CallOfThePlugInIsLetFinish)
 
 TEST(Stop, PlugInThatDoesNotEndIsLeftBehind)
 {
-    SVP_NEEDS_ASKING();
     RunningHost host({QStringLiteral("--stop-timeout-ms"), QStringLiteral("300")});
     PageClient page(host.port());
     beginCall(page, 15000);
@@ -104,7 +125,6 @@ TEST(Stop, PlugInThatDoesNotEndIsLeftBehind)
 
 TEST(Stop, SecondSignalDoesNotWait)
 {
-    SVP_NEEDS_ASKING();
     RunningHost host;
     PageClient page(host.port());
     beginCall(page, 15000);
@@ -120,7 +140,6 @@ TEST(Stop, SecondSignalDoesNotWait)
 
 TEST(Stop, PortIsFreeAgainAtOnce)
 {
-    SVP_NEEDS_ASKING();
     Scene scene;
     quint16 port = 0;
     QStringList arguments = scene.arguments();

@@ -2,7 +2,7 @@
 // through the page, removed. Needs root, since it changes into that system (chroot).
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, statSync } from "node:fs";
+import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, statSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
@@ -19,7 +19,7 @@ let clean;
 /// next start, and what the packaging system writes about its own work.
 function inventory() {
   const files = execFileSync("find", [".", "-xdev", "(", "-path", "./var/lib/svp-editor", "-o", "-path", "./proc",
-    "-o", "-path", "./var/cache", "-o", "-path", "./var/log", "-o", "-path", "./var/lib/dpkg", "-o", "-path", "./var/lib/apt",
+    "-o", "-path", "./var/cache", "-o", "-path", "./var/log/dpkg.log", "-o", "-path", "./var/log/apt", "-o", "-path", "./var/log/alternatives.log", "-o", "-path", "./var/lib/dpkg", "-o", "-path", "./var/lib/apt",
     "-o", "-path", "./tmp", "-o", "-path", "./run", ")", "-prune", "-o", "-printf", "%p %y %m %u:%g %l\\n"], { cwd: system, maxBuffer: 1 << 26 }).toString();
   return new Set([files, inside("getent", "passwd"), inside("getent", "group")].join("\n").split("\n"));
 }
@@ -114,9 +114,26 @@ test("installed anew, the profiles belong to its user again", () => {
   assert.equal(statSync(path.join(state, "Ardentide/qrvdata/svp_abscoeff/ocean-full-depth.asvp")).uid, owner);
 });
 
+test("a later version takes its place, and its settings and profiles stay", () => {
+  const later = path.join(system, "tmp/later");
+  inside("dpkg-deb", "-R", file, "/tmp/later");
+  const control = path.join(later, "DEBIAN/control");
+  const text = readFileSync(control, "utf8");
+  writeFileSync(control, text.replace(/^Version: .*$/m, (line) => `${line}.1`));
+  inside("dpkg-deb", "-b", "/tmp/later", "/tmp/later.deb");
+  const before = readFileSync(path.join(state, "Ardentide/tqrv/SVPEditor.ini"));
+  inside("dpkg", "-i", "/tmp/later.deb");
+  assert.match(inside("dpkg", "-s", "svp-editor"), /Status: install ok installed[^]*\nVersion: \S+\.1\n/);
+  assert.deepEqual(readFileSync(path.join(state, "Ardentide/tqrv/SVPEditor.ini")), before);
+  const owner = Number(inside("id", "-u", "svp-editor"));
+  assert.equal(statSync(path.join(state, "Ardentide/qrvdata/svp_abscoeff/ocean-full-depth.asvp")).uid, owner);
+  assert.ok(existsSync(path.join(system, "usr/bin/svp-host")));
+});
+
 test("purged, it keeps the profiles and nothing else; an empty state folder goes too", () => {
   inside("dpkg", "-P", "svp-editor");
   assert.deepEqual(changes(), nothing);
+  assert.deepEqual(readdirSync(path.join(system, "var/lib/dpkg/info")).filter((name) => name.startsWith("svp-editor")), []);
   assert.ok(existsSync(state));
   rmSync(state, { recursive: true });
   inside("dpkg", "-i", file);

@@ -1,4 +1,6 @@
 #include "platform/platform.h"
+#include "platform/process.h"
+#include "tests/places.h"
 #include "tests/support/datafolder.h"
 
 #include <QDir>
@@ -73,6 +75,38 @@ TEST(Platform, NamesOfFiles)
         QStringLiteral("a\tb")};
     for (const QString& name : special)
         EXPECT_EQ(platform::isFileName(name), isFree) << name.toStdString();
+}
+
+TEST(Platform, DevicesAreKnownOnEverySystem)
+{
+    for (const char* name : {"NUL", "nul.asvp", "prn .asvp", "COM1", "lpt9.ssp", "conin$", "con:x"})
+        EXPECT_TRUE(platform::isDeviceName(QString::fromLatin1(name))) << name;
+    for (const char* name : {"", "console", "a.nul", "com10.ssp", "lpt.ssp", "_con", "co n"})
+        EXPECT_FALSE(platform::isDeviceName(QString::fromLatin1(name))) << name;
+}
+
+TEST(Platform, ModulesAreNamedAsTheSystemNamesThem)
+{
+    const QString name = platform::moduleFileName(QStringLiteral("svpwebinterface"));
+    EXPECT_TRUE(QStringLiteral(SVP_PLUGIN_FILE).endsWith(QLatin1Char('/') + name));
+}
+
+TEST(Platform, PatternsAreExpandedWhereTheShellDoesNot)
+{
+    const DataFolder folder;
+    for (const char* name : {"b.cnv", "ä 測.cnv", "a.CNV", "c.txt"})
+        folder.write(QString::fromUtf8(name), "x");
+    const QString pattern = folder.path(QStringLiteral("*.cnv"));
+    const QStringList others{QStringLiteral("--to"), folder.path(QStringLiteral("none*.cnv")),
+                             folder.path(QStringLiteral("c.txt"))};
+#ifdef Q_OS_WIN
+    const QStringList expected{folder.path(QStringLiteral("a.CNV")),
+                               folder.path(QStringLiteral("b.cnv")),
+                               folder.path(QStringLiteral("ä 測.cnv"))};
+#else
+    const QStringList expected{pattern};
+#endif
+    EXPECT_EQ(platform::expandedPatterns(QStringList{pattern} + others), expected + others);
 }
 
 TEST(Platform, TextFilesHaveTheLineEndsOfTheSystem)

@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 #include <qt_windows.h>
 
+#include <chrono>
 #include <cstring>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -97,6 +99,23 @@ TEST(PlatformWindows, AFileThatIsHeldStaysAsItIs)
     EXPECT_EQ(platform::replaceFileKeeping(path, backup, "new"), platform::Replaced::Whole);
     EXPECT_EQ(bytesOf(path), "new");
     EXPECT_EQ(bytesOf(backup), "old");
+}
+
+TEST(PlatformWindows, AFileThatIsHeldForAMomentIsReplacedAfterwards)
+{
+    const DataFolder folder;
+    const QString path = folder.path(QStringLiteral("cast.asvp"));
+    writeBytes(path, "old");
+    auto held = std::make_unique<HeldFile>(path);
+    ASSERT_TRUE(held->isHeld());
+    bool isReplaced = false;
+    std::thread writer([&] { isReplaced = platform::replaceFile(path, "new"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(bytesOf(path), "old");
+    held.reset();
+    writer.join();
+    EXPECT_TRUE(isReplaced);
+    EXPECT_EQ(bytesOf(path), "new");
 }
 
 TEST(PlatformWindows, DevicesAreNoFiles)

@@ -1,4 +1,5 @@
 #include "plugin/webinterface.h"
+#include "tests/places.h"
 #include "tests/support/datafolder.h"
 
 #include <QJsonObject>

@@ -1,3 +1,6 @@
+#include "platform/platform.h"
+#include "profile/profilefolder.h"
+#include "tests/places.h"
 #include "tests/support/commalocale.h"
 #include "tests/support/enginefixture.h"
 
@@ -189,15 +192,16 @@ TEST(OpenAction, TheAlertFollowsTheReply)
 
 TEST(OpenAction, WithoutAConfigurationTheDefaultFolderServes)
 {
-#ifdef Q_OS_WIN
-    GTEST_SKIP() << "the default folder of Windows is no test's own";
-#else
     Engine engine(QStringLiteral("data"), false);
-    testlog::expectWarning(QStringLiteral("Failed to read ") +
-                           engine.folder.path(QStringLiteral("runcf/AbsCoeff.ini")));
-    engine.folder.writeProfile(QStringLiteral("x.asvp"), asvp({"0 1500", "10 1499"}));
-    EXPECT_EQ(openOutcome(engine, QStringLiteral("x.asvp")), QLatin1String("SUCCESS"));
-#endif
+    testlog::expectWarning(QStringLiteral("Failed to read ") + profile::configurationPath());
+    // On Windows it is outside of the test's own folder.
+    const QString name = QStringLiteral("svp-editor-test-default-folder.asvp");
+    const QString path = platform::defaultProfileFolder(
+                             QStringLiteral("C:/ProgramData/Ardentide/qrvdata/svp_abscoeff")) +
+                         QLatin1Char('/') + name;
+    writeBytes(path, asvp({"0 1500", "10 1499"}));
+    EXPECT_EQ(openOutcome(engine, name), QLatin1String("SUCCESS"));
+    QFile::remove(path);
 }
 
 TEST(OpenAction, AFolderNamedWithBackslashesIsFoundAndRewritten)

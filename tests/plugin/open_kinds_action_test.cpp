@@ -1,3 +1,4 @@
+#include "tests/places.h"
 #include "tests/support/commalocale.h"
 #include "tests/support/enginefixture.h"
 

@@ -33,7 +33,9 @@ TEST(Startup, AFreshStartLeavesSettingsAndExtensionProfile)
     EXPECT_TRUE(permissions.testFlag(QFile::WriteOwner));
     EXPECT_TRUE(permissions.testFlag(QFile::ReadOwner));
     EXPECT_TRUE(permissions.testFlag(QFile::ReadOther));
-#ifndef Q_OS_WIN // where the folder says who may write
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "but for who may write, which the folder says on Windows";
+#else
     EXPECT_FALSE(permissions.testFlag(QFile::WriteOther));
 #endif
 }

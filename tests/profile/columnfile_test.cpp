@@ -1,5 +1,6 @@
 #include "profile/columnfile.h"
 #include "profile/importfilter.h"
+#include "tests/places.h"
 #include "tests/support/commalocale.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/printers.h"

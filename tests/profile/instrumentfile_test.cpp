@@ -1,5 +1,6 @@
 #include "profile/instrumentdecoders.h"
 #include "profile/instrumentfile.h"
+#include "tests/places.h"
 #include "tests/support/commalocale.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/printers.h"

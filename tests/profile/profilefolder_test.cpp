@@ -1,3 +1,4 @@
+#include "platform/platform.h"
 #include "profile/profilefolder.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/log.h"
@@ -102,6 +103,29 @@ TEST(ProfileFolder, AFolderElsewhereIsNotMade)
     const ProfileFolder folder = profile::savedProfileFolder();
     folder.makeFolderOf(folder.pathOf(QStringLiteral("x.asvp")));
     EXPECT_FALSE(QDir(elsewhere).exists());
+}
+
+TEST(ProfileFolder, AFolderThatTheConfigurationDoesNotNameIsMade)
+{
+    const DataFolder data(QStringLiteral("data"), false);
+    const ProfileFolder folder = profile::savedProfileFolder();
+    const bool wasThere = QDir(folder.path()).exists();
+    folder.makeFolderOf(folder.pathOf(QStringLiteral("x.asvp")));
+    EXPECT_TRUE(QDir(folder.path()).exists());
+    if (!wasThere)
+        QDir().rmpath(folder.path()); // on Windows it is outside of the test's own folder
+}
+
+TEST(ProfileFolder, AFolderBelowTheDataRootIsFoundAsTheSystemComparesPaths)
+{
+    const DataFolder data;
+    const QString folder = QDir::fromNativeSeparators(data.path(QStringLiteral("made"))).toUpper();
+    data.write(QStringLiteral("runcf/AbsCoeff.ini"), "[absLoc]\nInitialDir=" + folder.toUtf8());
+    const ProfileFolder made = profile::savedProfileFolder();
+    made.makeFolderOf(made.pathOf(QStringLiteral("x.asvp")));
+    EXPECT_EQ(QDir(data.path(QStringLiteral("made"))).exists(),
+              platform::pathCase() == Qt::CaseInsensitive);
+    EXPECT_EQ(QDir(folder).exists(), platform::pathCase() == Qt::CaseInsensitive);
 }
 
 TEST(ProfileFolder, AFolderInPlaceOfTheConfigurationIsNone)

@@ -72,9 +72,24 @@ void makeDatabase(const QString& path, const QStringList& statements)
     QSqlDatabase::removeDatabase(name);
 }
 
-#ifndef Q_OS_WIN
+#ifdef Q_OS_WIN
 
-/// Counts how often a file is opened, by whomever.
+/// Tells whether the database was opened. Windows tells no program of that: it is made one that
+/// nobody can read, which is logged.
+class OpenCounter
+{
+  public:
+    explicit OpenCounter(const QString& path) { writeBytes(path, "no database"); }
+
+    static bool sawAny()
+    {
+        return !testlog::lines().filter(QStringLiteral("not a database")).isEmpty();
+    }
+};
+
+#else
+
+/// Tells whether a file was opened, by whomever.
 class OpenCounter
 {
   public:
@@ -128,9 +143,6 @@ TEST_F(TokenStoreTest, WithoutAMirrorTheDatabaseIsLoadedAndMirrored)
 
 TEST_F(TokenStoreTest, WithAMirrorTheDatabaseIsNotOpened)
 {
-#ifdef Q_OS_WIN
-    GTEST_SKIP() << "Windows tells no program who opens a file";
-#else
     makeDatabase(paths.database, tables + rows);
     writeMirror(mirrorText(R"({"Name":"A","Type":1,"Value":1})"));
     const OpenCounter opened(paths.database);
@@ -145,10 +157,12 @@ TEST_F(TokenStoreTest, WithAMirrorTheDatabaseIsNotOpened)
     EXPECT_FALSE(testlog::hasLine(QStringLiteral("Init tokens. Empty list")));
 
     QFile::remove(paths.mirror);
-    TokenStore other(paths);
-    EXPECT_TRUE(other.initialise());
-    EXPECT_TRUE(opened.sawAny());
+#ifdef Q_OS_WIN
+    testlog::expectWarning(QStringLiteral("No tokens in database"));
 #endif
+    TokenStore other(paths);
+    other.initialise();
+    EXPECT_TRUE(opened.sawAny());
 }
 
 TEST_F(TokenStoreTest, WhatIsInMemoryIsMirroredAgain)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/tokenstore.h"
+#include "tests/places.h"
 #include "tests/support/datafolder.h"
 
 #include <QDir>

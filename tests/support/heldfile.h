@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/places.h"
+
 #include <QProcess>
 #include <QString>
 

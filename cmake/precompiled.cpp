@@ -1,0 +1,1 @@
+// No code: precompiled headers belong to a target, and a target has a source.
