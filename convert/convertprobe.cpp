@@ -105,15 +105,18 @@ QStringList originOf(int format, const ProbeHeader& header, bool hasTime)
             positionText(header)};
 }
 
+/// Equal for paths that lead to the same file.
 QString canonicalPath(const QString& path)
 {
     const QFileInfo file(path);
     QString known = file.canonicalFilePath();
-    if (!known.isEmpty())
-        return known;
-    // Not there yet: its folder may be reached in several ways all the same.
-    const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
-    return (folder.isEmpty() ? file.absolutePath() : folder) + QLatin1Char('/') + file.fileName();
+    if (known.isEmpty()) {
+        // Not there yet: its folder may be reached in several ways all the same.
+        const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
+        known =
+            (folder.isEmpty() ? file.absolutePath() : folder) + QLatin1Char('/') + file.fileName();
+    }
+    return platform::pathCase() == Qt::CaseInsensitive ? known.toCaseFolded() : known;
 }
 
 } // namespace
@@ -154,7 +157,7 @@ Outcome Converter::convert(const QString& input)
 
     const QString target = targetOf(input);
     const QString place = canonicalPath(target);
-    if (m_inputs.contains(place, platform::pathCase()))
+    if (m_inputs.contains(place))
         return refused(input, QStringLiteral("%1 is an input itself").arg(target));
     if (const int earlier = m_written.indexOf(place); earlier >= 0)
         return refused(input, QStringLiteral("%1 holds the profile of %2 already")

@@ -38,9 +38,10 @@ void holdConsole();
 /// The signals by which a user or the system asks a program to stop.
 std::vector<int> stopSignals();
 
-/// Call once the signals are listened to: a window that is closed, a user who leaves and a system
-/// that goes down ask to stop as well, and are held up until the program has ended or the system
-/// waits no longer (some five seconds). Elsewhere than on Windows they come as signals.
+/// Call once the signals are listened to: Ctrl+Break comes as one whatever the C library; a window
+/// that is closed, a user who leaves and a system that goes down ask to stop as well, and are held
+/// up until the program has ended or the system waits no longer (some five seconds). Elsewhere than
+/// on Windows they come as signals.
 void stopWithTheWindow();
 
 /// Call for a socket that is to listen, before it is bound: a port that another program listens on

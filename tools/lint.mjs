@@ -64,7 +64,7 @@ const config = readFileSync(".clang-tidy", "utf8") + readFileSync(fileURLToPath(
 
 // What each object was made of, as the builds have it.
 const headersOf = new Map();
-for (const preset of ["dev", "release"]) {
+for (const preset of ["dev", "release", "fuzz"]) {
   if (!existsSync(`build/${preset}/.ninja_deps`)) continue;
   let headers;
   for (const line of (await run("ninja", ["-C", `build/${preset}`, "-t", "deps"])).out.split("\n")) {
@@ -95,7 +95,7 @@ function fingerprint(source) {
 // Most of the time goes into the headers that sources share, and into what the tools say of those and
 // is not heard. So several sources are looked at as one where they can be: tests, each in a namespace
 // of its own, and sources of different rooms, which have theirs. Null for a source that includes
-// something further down.
+// something further down, or twice, which is told of it alone.
 const leading = /^(?:\s*(?:\/\/[^\n]*)?\n|\s*#[^\n]*\n)*/;
 function partsOf(source) {
   const text = readFileSync(source, "utf8");
@@ -104,7 +104,8 @@ function partsOf(source) {
   const body = text.slice(includes.length);
   const conditions = includes.match(/^\s*#\s*if/gm)?.length ?? 0;
   const ends = includes.match(/^\s*#\s*endif/gm)?.length ?? 0;
-  return conditions !== ends || /^\s*#\s*(include|define)/m.test(body) || /^\s*#\s*define/m.test(includes) ? null : { includes, body };
+  const included = includes.match(/^#\s*include.*/gm) ?? [];
+  return conditions !== ends || new Set(included).size < included.length || /^\s*#\s*(include|define)/m.test(body) || /^\s*#\s*define/m.test(includes) ? null : { includes, body };
 }
 
 /// The text of several sources as one.

@@ -1,5 +1,6 @@
 #include "datagram/receivedata.h"
 #include "datagram/receivefile.h"
+#include "platform/platform.h"
 #include "tests/places.h"
 #include "tests/support/printers.h"
 
@@ -280,6 +281,10 @@ TEST_F(ConvertProgram, ARunWritesEachProfileOnce)
     ASSERT_EQ(result.lines.size(), 2);
     EXPECT_TRUE(result.lines[1].contains(QLatin1String("holds the profile of")));
     EXPECT_TRUE(read(QStringLiteral("cast.asvp")).endsWith("\r\n2.000 1501.000\r\n"));
+    // Where systems look past upper and lower case, these two profiles are one file as well.
+    const ProgramRun cased =
+        run({write(QStringLiteral("Other.txt"), rows), write(QStringLiteral("other.dat"), rows)});
+    EXPECT_EQ(cased.exitCode, platform::pathCase() == Qt::CaseInsensitive ? 1 : 0);
 }
 
 TEST_F(ConvertProgram, AFolderThatCannotBeMadeIsAFailure)
