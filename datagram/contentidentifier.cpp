@@ -5,7 +5,7 @@ namespace datagram {
 namespace {
 
 constexpr FirstColumn noRows = FirstColumn::NoRows;
-constexpr FirstColumn depth = FirstColumn::Depth;
+constexpr FirstColumn byDepth = FirstColumn::Depth;
 constexpr FirstColumn other = FirstColumn::Alternative;
 
 // Identifiers that end in 3 above 10 are legal but have no rows: receivers know them, the builder
@@ -13,26 +13,26 @@ constexpr FirstColumn other = FirstColumn::Alternative;
 constexpr ContentIdentifier table[] = {
     // number, legal, first, speed, temp., sal., abs.,   convertible, speed?, sal. from cond.,
     // pressure
-    {0, true, depth, true, false, false, false, true, false, false, false},
-    {1, true, depth, true, true, true, false, true, false, false, false},
-    {2, true, depth, false, true, true, false, true, true, false, false},
-    {3, true, depth, false, true, true, false, true, true, true, false},
+    {0, true, byDepth, true, false, false, false, true, false, false, false},
+    {1, true, byDepth, true, true, true, false, true, false, false, false},
+    {2, true, byDepth, false, true, true, false, true, true, false, false},
+    {3, true, byDepth, false, true, true, false, true, true, true, false},
     {4, true, other, false, true, true, false, true, true, false, true},
     {5, true, other, false, true, true, false, true, true, true, true},
-    {6, true, depth, true, false, false, true, true, false, false, false},
+    {6, true, byDepth, true, false, false, true, true, false, false, false},
     {7, true, other, true, true, true, false, true, false, true, true},
-    {10, true, depth, true, false, false, false, true, false, false, false},
-    {11, true, depth, true, false, false, true, true, false, false, false},
-    {12, true, depth, true, true, true, false, true, false, false, false},
+    {10, true, byDepth, true, false, false, false, true, false, false, false},
+    {11, true, byDepth, true, false, false, true, true, false, false, false},
+    {12, true, byDepth, true, true, true, false, true, false, false, false},
     {13, true, noRows, false, false, false, false, true, false, false, false},
     {14, true, other, true, true, true, false, true, false, true, true},
-    {20, true, depth, false, true, true, false, true, true, false, false},
-    {21, true, depth, false, true, true, true, true, true, false, false},
-    {22, true, depth, false, true, true, false, true, true, false, false},
+    {20, true, byDepth, false, true, true, false, true, true, false, false},
+    {21, true, byDepth, false, true, true, true, true, true, false, false},
+    {22, true, byDepth, false, true, true, false, true, true, false, false},
     {23, true, noRows, false, false, false, false, true, true, false, false},
-    {30, true, depth, false, true, true, false, true, true, true, false},
-    {31, true, depth, false, true, true, true, true, true, true, false},
-    {32, true, depth, false, true, true, false, true, true, true, false},
+    {30, true, byDepth, false, true, true, false, true, true, true, false},
+    {31, true, byDepth, false, true, true, true, true, true, true, false},
+    {32, true, byDepth, false, true, true, false, true, true, true, false},
     {33, true, noRows, false, false, false, false, true, true, true, false},
     {40, true, other, false, true, true, false, true, true, false, true},
     {41, true, other, false, true, true, true, true, true, false, true},

@@ -12,9 +12,9 @@ namespace datagram::probe {
 
 namespace {
 
-constexpr std::string_view keyword = "SoundVelocity";
+constexpr std::string_view firstKeyword = "SoundVelocity";
 
-// Words of the header, from the keyword on.
+// Words of the header, from the firstKeyword on.
 constexpr std::size_t timeWord = 3;
 constexpr std::size_t latitudeWord = 4;
 constexpr std::size_t longitudeWord = 5;
@@ -73,7 +73,7 @@ bool countAgrees(std::string_view stated, std::size_t found)
 
 int readConvertedProfile(std::string_view text, ProbeCast& cast)
 {
-    const std::size_t start = text.find(keyword);
+    const std::size_t start = text.find(firstKeyword);
     if (start == std::string_view::npos)
         return ProbeUnknownFormat;
     profile::LineReader lines(text.substr(start));

@@ -18,7 +18,7 @@ namespace {
 constexpr int maxFields = 1000;
 constexpr double missing = -99.0;
 
-struct Header
+struct EdfHeader
 {
     ColumnMap columns;
     Delimiter delimiter = Delimiter::Tab;
@@ -63,7 +63,7 @@ bool takeField(std::string_view line, ColumnMap& columns)
 }
 
 // "assumed salinity: 34.00 ppt"
-void takeSalinity(std::string_view line, Header& header)
+void takeSalinity(std::string_view line, EdfHeader& header)
 {
     const std::size_t colon = line.find(':');
     double salinity = 0.0;
@@ -72,7 +72,7 @@ void takeSalinity(std::string_view line, Header& header)
         header.salinity = salinity;
 }
 
-void takeItem(std::string_view line, Header& header, ProbeCast& cast)
+void takeItem(std::string_view line, EdfHeader& header, ProbeCast& cast)
 {
     std::string_view value;
     if (itemValue(line, "date of launch", value) || itemValue(line, "date", value))
@@ -90,7 +90,7 @@ void takeItem(std::string_view line, Header& header, ProbeCast& cast)
 }
 
 // Takes a line above the rows. True when the rows begin after it.
-bool endsHeader(std::string_view line, Header& header, ProbeCast& cast)
+bool endsHeader(std::string_view line, EdfHeader& header, ProbeCast& cast)
 {
     const std::string_view text = profile::trimmedText(line);
     if (takeField(text, header.columns)) {
@@ -124,7 +124,7 @@ int readEdf(std::string_view text, ProbeCast& cast)
         cast.reason = QStringLiteral("no \"(EDF)\" line");
         return 0;
     }
-    Header header;
+    EdfHeader header;
     profile::LineReader lines(text);
     std::string_view line;
     bool hasRows = false;

@@ -2,16 +2,19 @@
 
 #include "datagram/probe_text.h"
 #include "profile/textfile.h"
+#include "settings/characters.h"
 
 #include <QDate>
 
 #include <array>
-#include <cctype>
 #include <cmath>
 
 namespace datagram::probe {
 
 namespace {
+
+using settings::isDigit;
+using settings::isLetter;
 
 double degreesAndMinutes(double degrees)
 {
@@ -24,16 +27,6 @@ double decimalDegrees(double packed, bool isNegative)
     const double whole = std::trunc(packed / 100.0);
     const double degrees = whole + (packed - whole * 100.0) / 60.0;
     return isNegative ? -degrees : degrees;
-}
-
-constexpr bool isLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 struct Coordinate
@@ -72,7 +65,7 @@ bool splitCoordinate(std::string_view text, std::string_view sides, CoordinatePa
                                                                 "ABCDEFGHIJKLMNOPQRSTUVWXYZ")
                                        : 1;
         if (isLetter(c) && std::min(length, text.size()) == 1) {
-            const char letter = char(std::toupper(static_cast<unsigned char>(c)));
+            const char letter = settings::upper(c);
             if (parts.side != 0 || sides.find(letter) == std::string_view::npos)
                 return false;
             parts.side = letter;

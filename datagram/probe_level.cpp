@@ -1,6 +1,7 @@
 #include "datagram/probe_level.h"
 
 #include "datagram/probe_text.h"
+#include "settings/characters.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,13 +10,15 @@ namespace datagram::probe {
 
 namespace {
 
+using settings::isLetter;
+
 struct QuantityName
 {
     std::string_view start; // lower case
     Quantity quantity;
 };
 
-constexpr QuantityName names[] = {
+constexpr QuantityName quantityNames[] = {
     {"depth", Quantity::Depth},         {"press", Quantity::Pressure},
     {"sound", Quantity::Speed},         {"veloc", Quantity::Speed},
     {"speed", Quantity::Speed},         {"svel", Quantity::Speed},
@@ -65,16 +68,6 @@ constexpr Unit units[] = {
     {Quantity::Conductivity, "s/m", 10.0, 0.0},
 };
 
-constexpr char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
-}
-
-constexpr bool isLetter(char c)
-{
-    return lower(c) >= 'a' && lower(c) <= 'z';
-}
-
 // Whether a unit stands in the text, not as a part of another word.
 bool holdsUnit(std::string_view text, std::string_view unit)
 {
@@ -118,7 +111,7 @@ bool quantityOf(std::string_view name, Quantity& quantity)
         return false;
     std::string_view rest = name.substr(start);
     const std::string_view word = firstWord(rest);
-    for (const QuantityName& known : names) {
+    for (const QuantityName& known : quantityNames) {
         if (startsInAnyCase(word, known.start)) {
             quantity = known.quantity;
             return !isQualified(rest);

@@ -29,7 +29,7 @@ struct ShortName
 
 // The variables by their short names. Those of a second sensor follow: they count where the first
 // one is missing.
-constexpr ShortName shortNames[] = {
+constexpr ShortName shortNamesOfColumns[] = {
     {"depSM", Quantity::Depth, 1.0, 0.0},
     {"depS", Quantity::Depth, 1.0, 0.0},
     {"depFM", Quantity::Depth, 1.0, 0.0},
@@ -99,7 +99,7 @@ constexpr std::string_view otherWords[] = {
     "specific",  "bottom",  "oxygen", "optode", "air",  "atmos", "barom",  "partial",
 };
 
-struct Header
+struct SeabirdHeader
 {
     int columnCount = 0;
     bool statesCount = false;
@@ -155,7 +155,7 @@ void takeByWord(std::string_view name, int index, ColumnMap& columns)
 }
 
 // "3 = depSM: Depth [salt water, m]"
-void takeName(std::string_view value, Header& header)
+void takeName(std::string_view value, SeabirdHeader& header)
 {
     Scanner scanner(value);
     double number = 0.0;
@@ -169,7 +169,7 @@ void takeName(std::string_view value, Header& header)
         header.flagColumn = index;
         return;
     }
-    for (const ShortName& known : shortNames) {
+    for (const ShortName& known : shortNamesOfColumns) {
         if (shortName == known.name)
             return header.columns.take(known.quantity, {index, known.factor, known.offset});
     }
@@ -179,7 +179,7 @@ void takeName(std::string_view value, Header& header)
         takeByWord(names, index, header.byWord);
 }
 
-void takeConversionLine(std::string_view line, Header& header)
+void takeConversionLine(std::string_view line, SeabirdHeader& header)
 {
     std::string_view value;
     double number = 0.0;
@@ -210,7 +210,7 @@ bool isBareCoordinate(std::string_view line)
 
 // What the deck unit heard from the navigation receiver comes first; an operator's words count
 // where it heard nothing. They may hold the position without saying what it is.
-void takePosition(std::string_view line, bool isTyped, ProbeHeader& position, Header& header)
+void takePosition(std::string_view line, bool isTyped, ProbeHeader& position, SeabirdHeader& header)
 {
     std::string_view value;
     const bool wantsLatitude = !isTyped || position.latitudeMark == 'I';
@@ -240,7 +240,7 @@ void takeInstrument(std::string_view line, QString& instrument)
         instrument = profile::decodedText(line.substr(start.size(), last - start.size()));
 }
 
-void takeTime(const Header& header, ProbeCast& cast)
+void takeTime(const SeabirdHeader& header, ProbeCast& cast)
 {
     if (!takeDateTime(cast.header, header.conversionTime)) {
         takeDateTime(cast.header, header.startTime);
@@ -256,9 +256,9 @@ void takeTime(const Header& header, ProbeCast& cast)
     }
 }
 
-Header takeHeader(profile::LineReader& lines, ProbeCast& cast)
+SeabirdHeader takeHeader(profile::LineReader& lines, ProbeCast& cast)
 {
-    Header header;
+    SeabirdHeader header;
     std::string_view line;
     while (!header.hasEnd && lines.next(line)) {
         const std::size_t start = line.find_first_not_of(" \t");
@@ -296,7 +296,7 @@ bool splitByWidth(std::string_view line, std::size_t count, std::vector<std::str
 class Rows
 {
   public:
-    explicit Rows(const Header& header) : m_header(header) {}
+    explicit Rows(const SeabirdHeader& header) : m_header(header) {}
 
     // Takes the row into the cast unless it is no row of numbers.
     void take(std::string_view line, ProbeCast& cast, double latitude)
@@ -392,7 +392,7 @@ class Rows
                isBad(wholeNumber(m_fields[std::size_t(column)]));
     }
 
-    const Header& m_header;
+    const SeabirdHeader& m_header;
     std::vector<std::string_view> m_fields;
     seawater::Level m_level;
     int m_miscounted = 0;
@@ -407,7 +407,7 @@ int readSeaBirdConverted(std::string_view text, ProbeCast& cast)
         return 0;
     }
     profile::LineReader lines(text);
-    const Header header = takeHeader(lines, cast);
+    const SeabirdHeader header = takeHeader(lines, cast);
     if (!header.hasEnd || header.isBinary) {
         cast.reason = header.isBinary ? QStringLiteral("its levels are binary; convert it to ASCII")
                                       : QStringLiteral("it ends before its levels");

@@ -1,5 +1,6 @@
 #include "datagram/probe_text.h"
 
+#include "settings/characters.h"
 #include "settings/numbers.h"
 
 #include <algorithm>
@@ -11,14 +12,9 @@ namespace datagram::probe {
 
 namespace {
 
-constexpr char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
-}
-
 bool sameLetter(char letter, char lowerCase)
 {
-    return lower(letter) == lowerCase;
+    return settings::lower(letter) == lowerCase;
 }
 
 constexpr bool isSpace(char c)

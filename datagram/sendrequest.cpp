@@ -10,7 +10,7 @@ namespace datagram {
 namespace {
 
 constexpr QLatin1Char zero('0');
-constexpr QLatin1Char comma(',');
+constexpr QLatin1Char commaSign(',');
 
 } // namespace
 
@@ -39,8 +39,8 @@ QByteArray shortDatagram(const ShortSend& request)
     const int samples = std::min(request.depths.size(), request.speeds.size());
     QByteArray text =
         (QStringLiteral("$QZS00,00001,") + QString::number(samples).rightJustified(4, zero) +
-         comma + time.mid(8, 2) + time.mid(10, 2) + time.mid(12, 2) + comma + time.mid(6, 2) +
-         comma + time.mid(4, 2) + comma + time.left(4) + comma)
+         commaSign + time.mid(8, 2) + time.mid(10, 2) + time.mid(12, 2) + commaSign +
+         time.mid(6, 2) + commaSign + time.mid(4, 2) + commaSign + time.left(4) + commaSign)
             .toUtf8();
     for (int i = 0; i < samples; ++i) {
         text += QByteArray::number(double(request.depths[i]), 'g', 6);

@@ -31,7 +31,7 @@ std::string_view takeWord(std::string_view& line)
     return word;
 }
 
-float numberOf(std::string_view word)
+float floatOf(std::string_view word)
 {
     const QString text = QString::fromLatin1(word.data(), int(word.size()));
     return profile::listNumber(QStringRef(&text));
@@ -52,12 +52,12 @@ ExtensionRows parseExtensionRows(const QByteArray& text, RowRule rule)
         const std::string_view speedWord = takeWord(line);
         if (speedWord.empty() || !takeWord(line).empty())
             continue;
-        const float depth = numberOf(depthWord);
+        const float depth = floatOf(depthWord);
         if (rule == RowRule::DeeperThanLast && !rows.depths.isEmpty() &&
             depth <= rows.depths.constLast())
             continue;
         rows.depths.append(depth);
-        rows.speeds.append(numberOf(speedWord));
+        rows.speeds.append(floatOf(speedWord));
     }
     return rows;
 }

@@ -2,6 +2,7 @@
 #include "profile/coordinate.h"
 #include "profile/instrumentdecoders.h"
 #include "profile/instrumentheader.h"
+#include "settings/characters.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +11,8 @@
 namespace profile {
 
 namespace {
+
+using settings::isDigit;
 
 constexpr ColumnName columnNames[] = {
     {"Cond", &tagDecodeFmt::conductivityColumn},
@@ -22,11 +25,6 @@ constexpr ColumnName columnNames[] = {
     {"Density", nullptr}, // known, not kept
     {"Depth", &tagDecodeFmt::depthColumn},
 };
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 struct DatePart
 {

@@ -1,6 +1,7 @@
 #include "profile/coordinate.h"
 
 #include "profile/textfile.h"
+#include "settings/characters.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,17 +10,10 @@ namespace profile {
 
 namespace {
 
-constexpr int maxParts = 3; // degrees, minutes, seconds
+using settings::isDigit;
+using settings::upper;
 
-constexpr char upper(char c)
-{
-    return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c;
-}
-
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+constexpr int mostAngleParts = 3; // degrees, minutes, seconds
 
 // A hemisphere letter at one end of the text is taken off. 0 when there is none.
 char takeLetter(std::string_view& text)
@@ -61,11 +55,11 @@ bool isGap(char c)
 // Degrees, minutes and seconds without sign and letter.
 bool parseParts(std::string_view text, double& degrees)
 {
-    double parts[maxParts] = {};
+    double parts[mostAngleParts] = {};
     int count = 0;
     bool isWhole = true;
     while (!text.empty()) {
-        if (count == maxParts || !isWhole || !isDigit(text.front()))
+        if (count == mostAngleParts || !isWhole || !isDigit(text.front()))
             return false;
         const char* const end = text.data() + text.size();
         const auto parsed =

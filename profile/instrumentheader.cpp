@@ -20,7 +20,7 @@ constexpr double metresPerFoot = 0.3048;
 
 // "mS/M" is no mS/m: instruments write it so and mean mS/cm. Signs beyond ASCII stand here in UTF-8
 // and in Latin-1.
-constexpr Unit units[] = {
+constexpr Unit knownUnits[] = {
     {&tagDecodeFmt::depthColumn, "m", 1.0},
     {&tagDecodeFmt::depthColumn, "metre", 1.0},
     {&tagDecodeFmt::depthColumn, "metres", 1.0},
@@ -74,7 +74,7 @@ constexpr Unit units[] = {
 // The unit of a quantity, null where the text is none.
 const Unit* unitOf(int tagDecodeFmt::*column, std::string_view name)
 {
-    for (const Unit& unit : units) {
+    for (const Unit& unit : knownUnits) {
         if (unit.column == column && equalIgnoringCase(unit.name, name))
             return &unit;
     }

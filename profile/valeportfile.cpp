@@ -40,7 +40,7 @@ bool takeCharacter(std::string_view& text, char character)
 }
 
 // The stamp of "dd/MM/yyyy hh:mm:ss"; empty when it is no moment.
-QString stampOf(std::string_view text)
+QString dayFirstStamp(std::string_view text)
 {
     int day = 0;
     int month = 0;
@@ -94,7 +94,7 @@ void takeHeaderLine(std::string_view line, ValeportFile& file)
     constexpr std::string_view units = "Pressure units:";
     if (startsWith(line, now) && file.time.isEmpty()) {
         const std::string_view text = trimmedText(line.substr(now.size()));
-        file.time = stampOf(text);
+        file.time = dayFirstStamp(text);
         file.isTimeUnread = file.time.isEmpty() && (file.isTimeUnread || !text.empty());
     } else if (startsWith(line, units)) {
         file.pressureUnits = decodedText(trimmedText(line.substr(units.size())));

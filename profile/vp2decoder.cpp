@@ -29,7 +29,7 @@ HeaderColumn columnOf(std::string_view line)
 }
 
 // "2026/06/18 07:42:10" and what may follow, with any separators.
-QString stampOf(std::string_view text)
+QString yearFirstStamp(std::string_view text)
 {
     constexpr std::size_t length = 19;
     if (text.size() < length)
@@ -102,7 +102,7 @@ bool fnDecodeValeportVP2(const QByteArray& text, tagDecodeFmt& format)
 
     fillUnits(lines.dataLines(), columns);
     takeColumns(columns, columnNames, format);
-    format.time = stampOf(time);
+    format.time = yearFirstStamp(time);
     format.isTimeUnread = !time.empty() && format.time.isEmpty();
     format.latitude = decodedText(latitude);
     format.longitude = decodedText(longitude);
