@@ -32,9 +32,16 @@ if(SVP_SANITIZE)
   target_link_options(svp_options INTERFACE -fsanitize=${SVP_SANITIZE})
 endif()
 
+# Most of compiling a source is its headers, so builds that are made whole take several as one. The
+# build that developers change and test takes each alone, and so tells what one fails to include.
+function(svp_joined target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${SVP_JOINED})
+endfunction()
+
 # svp_room(NAME sources… LINKS libs…): one folder of the engine as a static library.
 function(svp_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS" ${ARGN})
   add_library(svp_${name} STATIC ${ROOM_SOURCES})
   target_link_libraries(svp_${name} PUBLIC svp_options ${ROOM_LINKS})
+  svp_joined(svp_${name})
 endfunction()
