@@ -93,9 +93,11 @@ function fingerprint(source) {
 }
 
 // Most of the time goes into the headers that sources share, and into what the tools say of those and
-// is not heard. So several sources are looked at as one where they can be: tests, each in a namespace
-// of its own, and sources of different rooms, which have theirs. Null for a source that includes
-// something further down, or twice, which is told of it alone.
+// is not heard. So several sources of a room are looked at as one where they can be: parts of a
+// program, which are also built so, and programs and tests, each in a namespace of its own.
+const together = /^((platform|seawater|settings|raytrace|profile|processing|datagram|convert|plugin|host|tests\/support)\/|tests\/host\/(client|host_process|main)\.cpp$)/;
+const apart = /^(tests\/.*_test|bench\/.*_bench|fuzz\/.*_fuzz)\.cpp$/;
+// Null for a source that includes something further down, or twice, which is told of it alone.
 const leading = /^(?:\s*(?:\/\/[^\n]*)?\n|\s*#[^\n]*\n)*/;
 function partsOf(source) {
   const text = readFileSync(source, "utf8");
@@ -115,7 +117,8 @@ function unitOf(sources) {
   // No include twice, which is for one source to mind.
   const heads = parts.map(({ includes }) => includes.split("\n")
     .filter((line) => !/^#\s*include/.test(line) || (!seen.has(line) && seen.add(line))).join("\n"));
-  const bodies = parts.map(({ body }, k) => (sources[k].startsWith("tests/") ? `namespace apart_${k} {\n${body}\n}\n` : body));
+  const bodies = parts.map(({ body }, k) => (apart.test(sources[k])
+    ? `namespace apart_${k} {\n${body.replaceAll("LLVMFuzzerTestOneInput", `$&_${k}`)}\n}\n` : body));
   return [...heads, ...bodies].join("\n");
 }
 
@@ -140,10 +143,12 @@ async function look(file, source) {
 async function lint(sources, number) {
   if (sources.length > 1) {
     const file = path.resolve(`${database}/unit${number}.cpp`);
-    const { isClean } = await look(file, sources[0]);
+    const { isClean, said } = await look(file, sources[0]);
     if (isClean) return sources.forEach(markClean);
     // Not to be looked at as one, or faulty: each by itself says which, and where.
+    const before = counts.faulty;
     for (const source of sources) await lint([source]);
+    if (counts.faulty === before) console.log(`lint: each clean alone, but not as one:\n${said}`);
     return;
   }
   const [source] = sources;
@@ -170,21 +175,19 @@ const news = tracked.filter((file) => {
   return false;
 });
 
-// Tests of a room by eights; of the other rooms the first source of each, then the second of each …
-const MOST = 8;
-const roomOf = (source) => path.dirname(source);
+// Sources of a room together; what takes longest first.
+const MOST = 16;
 const rooms = new Map();
-for (const source of news) rooms.set(roomOf(source), [...(rooms.get(roomOf(source)) ?? []), source]);
-const isOfEngine = (room) => ["platform", "seawater", "settings", "raytrace", "profile", "processing", "datagram", "convert", "plugin"].includes(room);
 const groups = [];
-const ranks = [];
-for (const [room, files] of rooms) {
-  const joint = files.filter((source) => (isOfEngine(room) || (room.startsWith("tests/") && source.endsWith("_test.cpp"))) && partsOf(source));
-  groups.push(...files.filter((source) => !joint.includes(source)).map((source) => [source]));
-  if (isOfEngine(room)) joint.forEach((source, k) => (ranks[k] ??= []).push(source));
-  else for (let k = 0; k < joint.length; k += MOST) groups.push(joint.slice(k, k + MOST));
+for (const source of news) {
+  const kind = [together, apart].findIndex((pattern) => pattern.test(source));
+  if (kind < 0 || !partsOf(source)) groups.push([source]);
+  else rooms.set(`${path.dirname(source)} ${kind}`, [...(rooms.get(`${path.dirname(source)} ${kind}`) ?? []), source]);
 }
-groups.push(...ranks);
+for (const files of rooms.values()) {
+  const size = Math.ceil(files.length / Math.ceil(files.length / MOST));
+  for (let k = 0; k < files.length; k += size) groups.push(files.slice(k, k + size));
+}
 groups.sort((a, b) => b.length - a.length);
 
 const joined = [...commands.values()];
@@ -192,7 +195,7 @@ groups.forEach((sources, number) => {
   if (sources.length === 1) return;
   const file = path.resolve(`${database}/unit${number}.cpp`);
   writeFileSync(file, unitOf(sources));
-  // Rooms differ in the libraries whose headers they may include.
+  // Programs of a room differ in the libraries whose headers they may include.
   const entry = sources.map((source) => commands.get(source)).sort((a, b) => b.command.length - a.command.length)[0];
   joined.push({ ...entry, file, command: entry.command.replace(/\S+\.cpp$/, file) });
 });
