@@ -72,12 +72,12 @@ TEST(Access, PageOfAForeignSiteIsRefused)
 
     const std::string path = "/SVP_WebInterface";
     const auto post = [&](const std::string& fields) {
-        return request(host.port(), postText(host.port(), path, "x", fields)).result_int();
+        return request(host.port(), postText(host.port(), path, "x", fields)).status();
     };
     EXPECT_EQ(post("Origin: " + own + "\r\n"), 200U);
     EXPECT_EQ(post("Origin: http://evil.example\r\n"), 403U);
     EXPECT_EQ(post("Origin: " + own + "\r\nOrigin: http://evil.example\r\n"), 403U);
-    EXPECT_EQ(get(host.port(), "/api/casts", "Origin: http://evil.example\r\n").result_int(), 403U);
+    EXPECT_EQ(get(host.port(), "/api/casts", "Origin: http://evil.example\r\n").status(), 403U);
 }
 
 TEST(Access, ReboundNameIsRefused)
@@ -92,11 +92,11 @@ TEST(Access, ReboundNameIsRefused)
               403);
 
     const std::string foreign = " HTTP/1.1\r\nHost: evil.example:" + port + "\r\n";
-    EXPECT_EQ(request(host.port(), "GET /api/casts" + foreign + "\r\n").result_int(), 403U);
-    EXPECT_EQ(request(host.port(), "GET /" + foreign + "\r\n").result_int(), 403U);
+    EXPECT_EQ(request(host.port(), "GET /api/casts" + foreign + "\r\n").status(), 403U);
+    EXPECT_EQ(request(host.port(), "GET /" + foreign + "\r\n").status(), 403U);
     EXPECT_EQ(
         request(host.port(), "POST /SVP_WebInterface" + foreign + "Content-Length: 1\r\n\r\nx")
-            .result_int(),
+            .status(),
         403U);
 }
 
@@ -111,11 +111,10 @@ TEST(Access, OneHostFieldIsNeeded)
 {
     RunningHost host;
     const std::string field = "Host: 127.0.0.1:" + std::to_string(host.port()) + "\r\n";
-    EXPECT_EQ(request(host.port(), "GET / HTTP/1.1\r\n\r\n").result_int(), 400U);
-    EXPECT_EQ(request(host.port(), "GET / HTTP/1.1\r\n" + field + field + "\r\n").result_int(),
-              400U);
-    EXPECT_EQ(request(host.port(), "GET / HTTP/1.0\r\n\r\n").result_int(), 403U);
-    EXPECT_EQ(request(host.port(), "GET / HTTP/1.0\r\n" + field + "\r\n").result_int(), 200U);
+    EXPECT_EQ(request(host.port(), "GET / HTTP/1.1\r\n\r\n").status(), 400U);
+    EXPECT_EQ(request(host.port(), "GET / HTTP/1.1\r\n" + field + field + "\r\n").status(), 400U);
+    EXPECT_EQ(request(host.port(), "GET / HTTP/1.0\r\n\r\n").status(), 403U);
+    EXPECT_EQ(request(host.port(), "GET / HTTP/1.0\r\n" + field + "\r\n").status(), 200U);
 }
 
 TEST(Access, OnlyTheLoopbackAddressIsOpened)

@@ -1,12 +1,10 @@
 #pragma once
 
 #include <QJsonObject>
-#include <boost/asio/io_context.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/http.hpp>
-#include <boost/beast/websocket.hpp>
 
+#include <map>
+#include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -14,37 +12,57 @@
 /// longer than the tests' patience fails.
 namespace hosttest {
 
-using Error = boost::beast::error_code;
-using Reply = boost::beast::http::response<boost::beast::http::string_body>;
+/// A response of the host.
+class Reply
+{
+  public:
+    /// That there came none.
+    Reply() = default;
+    /// The names of header fields in small letters.
+    Reply(int status, std::map<std::string, std::string> fields, std::string body);
+
+    /// 0 if there came none.
+    int status() const { return m_status; }
+    /// The header field of a name in any case; empty without it.
+    std::string operator[](std::string_view name) const;
+    const std::string& body() const { return m_body; }
+
+  private:
+    int m_status = 0;
+    std::map<std::string, std::string> m_fields;
+    std::string m_body;
+};
+
+/// For the messages of tests that fail.
+std::ostream& operator<<(std::ostream& out, const Reply& reply);
 
 /// A connection on which any bytes may be sent.
 class RawClient
 {
   public:
     explicit RawClient(unsigned short port, const char* address = "127.0.0.1");
+    ~RawClient();
 
-    bool isConnected() const { return connected_; }
+    bool isConnected() const;
 
     /// False once the host has closed the connection.
     bool send(std::string_view bytes);
 
-    /// One whole response. Status 0 if there came none.
+    /// One whole response.
     Reply receive(bool toHead = false);
 
-    /// Everything until the host closes the connection, and how that went: end of stream, or a
-    /// reset.
+    /// Everything until the host closes the connection.
     std::string receiveRest();
-    Error lastError() const { return lastError_; }
+
+    /// Whether the host ended the connection in order, rather than by a reset.
+    bool isEndedInOrder() const;
 
     /// Whether the host has closed the connection by the end of `milliseconds`.
     bool isClosedWithin(int milliseconds);
 
   private:
-    boost::asio::io_context io_;
-    boost::beast::tcp_stream stream_;
-    boost::beast::flat_buffer buffer_;
-    bool connected_ = false;
-    Error lastError_;
+    struct Connection;
+    std::unique_ptr<Connection> m_connection;
 };
 
 /// Sends one request on a connection of its own.
@@ -64,6 +82,7 @@ class PageClient
   public:
     PageClient();
     explicit PageClient(unsigned short port);
+    ~PageClient();
 
     /// Opens the page. 101 on success, else the status of the refusal, else 0.
     int open(unsigned short port, const std::string& hostName = {}, const std::string& origin = {},
@@ -88,14 +107,9 @@ class PageClient
     /// Leaves without a word.
     void hangUp();
 
-    boost::beast::tcp_stream& stream() { return boost::beast::get_lowest_layer(socket_); }
-
   private:
-    bool write(std::string_view bytes, bool isText);
-
-    boost::asio::io_context io_;
-    boost::beast::websocket::stream<boost::beast::tcp_stream> socket_;
-    Error lastError_;
+    struct Socket;
+    std::unique_ptr<Socket> m_socket;
 };
 
 } // namespace hosttest

@@ -22,7 +22,7 @@ std::string exchange(unsigned short port, const std::string& text)
     RawClient client(port);
     EXPECT_TRUE(client.send(text));
     std::string rest = client.receiveRest();
-    EXPECT_EQ(client.lastError(), Error(boost::asio::error::eof));
+    EXPECT_TRUE(client.isEndedInOrder());
     return rest;
 }
 
@@ -84,7 +84,7 @@ TEST(Post, BodyThatIsHeldBackIsAskedFor)
     RawClient client(host.port());
     client.send("POST /SVP_WebInterface HTTP/1.1\r\nHost: " + hostValue(host.port()) +
                 "\r\nExpect: 100-continue\r\nContent-Length: 4\r\n\r\n");
-    EXPECT_EQ(client.receive().result_int(), 100U);
+    EXPECT_EQ(client.receive().status(), 100U);
     client.send("body");
     const std::string answer = client.receiveRest();
     EXPECT_EQ(answer.find(kAnswerHeader), 0U);
@@ -129,9 +129,9 @@ TEST(Post, AnswersFindTheirClients)
 TEST(Post, MissingAnswerIsToldAfterAWhile)
 {
     RunningHost host({QStringLiteral("--plugin-timeout-ms"), QStringLiteral("300")});
-    EXPECT_EQ(request(host.port(), postText(host.port(), std::string(kPath) + "?silent", "x"))
-                  .result_int(),
-              504U);
+    EXPECT_EQ(
+        request(host.port(), postText(host.port(), std::string(kPath) + "?silent", "x")).status(),
+        504U);
 }
 
 TEST(Post, PlugInThatThrowsIsReported)
@@ -139,7 +139,7 @@ TEST(Post, PlugInThatThrowsIsReported)
     RunningHost host;
     const Reply reply =
         request(host.port(), postText(host.port(), std::string(kPath) + "?throw", "x"));
-    EXPECT_EQ(reply.result_int(), 500U);
+    EXPECT_EQ(reply.status(), 500U);
     EXPECT_EQ(reply.body(), "The plug-in failed: thrown on demand.\n");
     EXPECT_EQ(exchange(host.port(), postText(host.port(), kPath, "x")).find(kAnswerHeader), 0U);
 }

@@ -31,11 +31,11 @@ void beginCall(PageClient& page, int milliseconds)
 TEST(Stop, PagesAreToldAndTheHostEndsSoon)
 {
 #ifdef Q_OS_WIN
-    const auto signals = {SIGBREAK};
+    const auto numbers = {SIGBREAK};
 #else
-    const auto signals = {SIGTERM, SIGINT};
+    const auto numbers = {SIGTERM, SIGINT};
 #endif
-    for (const int signal : signals) {
+    for (const int signal : numbers) {
         SCOPED_TRACE(signal);
         RunningHost host;
         std::deque<PageClient> pages(20);

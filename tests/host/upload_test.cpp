@@ -58,14 +58,14 @@ TEST(Upload, IsStoredWholeUnderItsName)
                                    std::size_t{65537}, std::size_t{40} << 20}) {
         const std::string text = fileOf(size);
         const Reply reply = put(host, "/api/atlas/salinity?name=S%C3%BCd%20s.csv", text);
-        ASSERT_EQ(reply.result_int(), 200U) << reply.body();
+        ASSERT_EQ(reply.status(), 200U) << reply.body();
         const QString path = folderOf(host) + QString::fromUtf8("/Süd s.csv");
         EXPECT_EQ(
             QJsonDocument::fromJson(QByteArray::fromStdString(reply.body())).object(),
             (QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("size"), double(size)}}));
         EXPECT_TRUE(readFile(path) == QByteArray::fromStdString(text)) << size;
     }
-    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).result_int(), 200U);
+    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).status(), 200U);
     EXPECT_EQ(storedBy(host),
               (QStringList{QString::fromUtf8("Süd s.csv"), QStringLiteral("t.csv")}));
 }
@@ -77,14 +77,14 @@ TEST(Upload, MayComeInChunksAndBeHeldBack)
     const Reply chunked =
         request(host.port(), headOf(host, path, "Transfer-Encoding: chunked\r\n") +
                                  "8\r\nMade up\n\r\n5\r\n(M):0\r\n1;x=y\r\n\n\r\n0\r\n\r\n");
-    ASSERT_EQ(chunked.result_int(), 200U) << chunked.body();
+    ASSERT_EQ(chunked.status(), 200U) << chunked.body();
     EXPECT_EQ(readFile(folderOf(host) + QStringLiteral("/a.csv")), "Made up\n(M):0\n");
 
     RawClient client(host.port());
     client.send(headOf(host, path, "Expect: 100-continue\r\nContent-Length: 26\r\n"));
-    EXPECT_EQ(client.receive().result_int(), 100U);
+    EXPECT_EQ(client.receive().status(), 100U);
     client.send(kBeginning);
-    EXPECT_EQ(client.receive().result_int(), 200U);
+    EXPECT_EQ(client.receive().status(), 200U);
     EXPECT_EQ(readFile(folderOf(host) + QStringLiteral("/a.csv")),
               QByteArray::fromStdString(kBeginning));
 }
@@ -93,11 +93,11 @@ TEST(Upload, ThatIsNoAtlasFileLeavesTheOlderOne)
 {
     RunningHost host;
     const std::string path = "/api/atlas/temperature?name=t.csv";
-    ASSERT_EQ(put(host, path, kBeginning).result_int(), 200U);
+    ASSERT_EQ(put(host, path, kBeginning).status(), 200U);
     for (const std::string& text : {std::string(), std::string("Depth,Speed\n0,1500\n10,1501\n"),
                                     std::string(std::size_t{5} << 20, 'x')}) {
         const Reply reply = put(host, path, text);
-        EXPECT_EQ(reply.result_int(), 422U);
+        EXPECT_EQ(reply.status(), 422U);
         EXPECT_EQ(reply.body(), "t.csv does not look like a file of the atlas: its second line "
                                 "should name the depths of the levels behind a colon.\n");
     }
@@ -110,9 +110,9 @@ TEST(Upload, HasASizeThatIsTaken)
 {
     RunningHost host({QStringLiteral("--atlas-file-bytes"), QStringLiteral("1048576")});
     const std::string path = "/api/atlas/salinity?name=s.csv";
-    ASSERT_EQ(put(host, path, fileOf(1048576)).result_int(), 200U);
+    ASSERT_EQ(put(host, path, fileOf(1048576)).status(), 200U);
     const Reply large = put(host, path, fileOf(1048577));
-    EXPECT_EQ(large.result_int(), 413U);
+    EXPECT_EQ(large.status(), 413U);
     EXPECT_EQ(large.body(), "The body of the request is too long; at most 1 MiB are taken.\n");
 
     // In chunks it shows on the way only.
@@ -123,7 +123,7 @@ TEST(Upload, HasASizeThatIsTaken)
         client.send("80000\r\n" + chunk + "\r\n");
     client.send("1\r\nx\r\n0\r\n\r\n");
     const Reply late = client.receive();
-    EXPECT_EQ(late.result_int(), 413U);
+    EXPECT_EQ(late.status(), 413U);
     EXPECT_EQ(late.body(), "The file is too large; at most 1 MiB are taken.\n");
     EXPECT_TRUE(readFile(folderOf(host) + QStringLiteral("/s.csv")) ==
                 QByteArray::fromStdString(fileOf(1048576)));
@@ -132,7 +132,7 @@ TEST(Upload, HasASizeThatIsTaken)
     EXPECT_EQ(request(host.port(), "POST /SVP_WebInterface HTTP/1.1\r\nHost: 127.0.0.1:" +
                                        std::to_string(host.port()) +
                                        "\r\nContent-Length: 33554433\r\n\r\n")
-                  .result_int(),
+                  .status(),
               413U);
 }
 
@@ -155,11 +155,11 @@ TEST(Upload, NeedsANameThatLeadsNowhereElse)
                               "?name=%2Fetc%2Fx", "?name=a%00b", "?name=.x", "?other=x",
                               "?name=NUL", "?name=con.csv", "?name=com1.x.csv"}) {
         const Reply reply = put(host, std::string("/api/atlas/salinity") + query, kBeginning);
-        EXPECT_EQ(reply.result_int(), 400U) << query;
+        EXPECT_EQ(reply.status(), 400U) << query;
         EXPECT_EQ(reply.body(), "The file cannot be stored under this name. Rename it.\n");
     }
     EXPECT_FALSE(QDir(folderOf(host)).exists());
-    EXPECT_EQ(put(host, "/api/atlas/pressure?name=x", kBeginning).result_int(), 405U);
+    EXPECT_EQ(put(host, "/api/atlas/pressure?name=x", kBeginning).status(), 405U);
 }
 
 TEST(Upload, IsOneOfAFew)
@@ -168,10 +168,10 @@ TEST(Upload, IsOneOfAFew)
     RawClient first(host.port());
     first.send(headOf(host, "/api/atlas/salinity?name=s.csv", "Content-Length: 26\r\n"));
     ASSERT_TRUE(eventually([&] { return QDir(folderOf(host)).exists(); }));
-    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).result_int(), 503U);
+    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).status(), 503U);
     first.send(kBeginning);
-    EXPECT_EQ(first.receive().result_int(), 200U);
-    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).result_int(), 200U);
+    EXPECT_EQ(first.receive().status(), 200U);
+    EXPECT_EQ(put(host, "/api/atlas/temperature?name=t.csv", kBeginning).status(), 200U);
 }
 
 TEST(Upload, ThatCannotBeWrittenSaysSo)
@@ -179,7 +179,7 @@ TEST(Upload, ThatCannotBeWrittenSaysSo)
     RunningHost host;
     writeFile(folderOf(host), "a file where the folder should be");
     const Reply reply = put(host, "/api/atlas/salinity?name=s.csv", kBeginning);
-    EXPECT_EQ(reply.result_int(), 500U);
+    EXPECT_EQ(reply.status(), 500U);
     EXPECT_NE(reply.body().find("s.csv cannot be written"), std::string::npos);
 }
 
