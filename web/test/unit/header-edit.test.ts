@@ -28,7 +28,7 @@ function faultOf(key: HeaderKey, text: string, profile = cast()): string {
 test("the content identifiers are those of the engine, column by column", async () => {
   const source = await readFile("../datagram/contentidentifier.cpp", "latin1");
   const rows = [...source.matchAll(/^\s*\{(\d+), (true|false), (\w+), ((?:true|false)(?:, (?:true|false)){7})\},?$/gm)];
-  const firsts: Record<string, string> = { depth: "depth", other: "other", noRows: "none" };
+  const firsts: Record<string, string> = { byDepth: "depth", other: "other", noRows: "none" };
   const engine = rows.map(([, number, legal, first = "", flags = ""]) => {
     const [speed, temperature, salinity, absorption, , computes, conductivity, pressure] = flags.split(", ").map((flag) => flag === "true");
     assert.equal(legal, "true");
