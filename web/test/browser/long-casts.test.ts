@@ -6,6 +6,7 @@ import { describe, test, type TestContext } from "node:test";
 import { setTimeout as pause } from "node:timers/promises";
 import { gzipSync } from "node:zlib";
 import type { Page } from "playwright-core";
+import { cell, edit, unsaved } from "./editing-parts";
 import { probeCast } from "./reshape-parts";
 import { Stage, check, openCast, seaLevels, shown } from "./stage";
 
@@ -15,6 +16,8 @@ const LONG = 20_000;
 const FIRST_DRAWING_MS = 200;
 /// A task as long as this makes a page stutter; Chromium reports no shorter ones.
 const LONG_TASK_MS = 50;
+/// A change of levels, or a step back.
+const EDIT_MS = 200;
 /// Of so many times the one in the middle counts. Other work on the machine only ever adds to them:
 /// where it has, a series is repeated after a pause.
 const ROUNDS = 5;
@@ -80,6 +83,7 @@ function notePackets(): void {
 describe("long casts", () => {
   const stage = new Stage(async (host) => {
     await writeFile(join(host.folder, "long.vp2"), probeCast(LONG, 0.05));
+    await host.writeCast("long.asvp", seaLevels(Array.from({ length: LONG }, (_, i) => i * 0.5)));
     await host.writeCast("two-thousand.asvp", seaLevels(Array.from({ length: 2000 }, (_, i) => i)));
     await host.writeCast("short.asvp", seaLevels([0, 10, 20]));
   });
@@ -167,6 +171,41 @@ describe("long casts", () => {
         const { tasks, frames } = await longOnes(page, () => act(page));
         t.diagnostic(`${what}: ${listOf(tasks, frames)}`);
         return Math.max(0, ...tasks);
+      });
+    });
+  }
+
+  const edits: [string, (page: Page) => Promise<void>][] = [
+    ["a changed value", async (page) => {
+      await page.keyboard.press("ArrowRight");
+      await page.keyboard.press("Enter");
+      await page.keyboard.type("1600");
+      await page.keyboard.press("Enter");
+      await cell(page, LONG, "svp_Speed").filter({ hasText: "1600.00" }).waitFor();
+    }],
+    ["a deletion", async (page) => {
+      await page.keyboard.press("Delete");
+      await page.locator(`.tabulator-row.selected[data-level="${LONG - 1}"]`).waitFor();
+    }],
+    ["a reversal", (page) => edit(page, "Reverse")],
+  ];
+  for (const [what, act] of edits) {
+    test(`${what} of ${LONG} levels makes no task longer than ${EDIT_MS} ms, nor does taking it back`, async (t) => {
+      const page = await stage.page();
+      await openCast(page, "long.asvp");
+      await measured(t, EDIT_MS, async () => {
+        await page.keyboard.press("v");
+        await page.keyboard.press("End");
+        await page.locator(`.tabulator-row.selected[data-level="${LONG}"]`).waitFor();
+        const there = await longOnes(page, () => act(page));
+        assert.ok(await unsaved(page), "it was edited");
+        const back = await longOnes(page, async () => {
+          await page.keyboard.press("Control+z");
+          await page.waitForFunction(() => document.querySelector<HTMLElement>("#undo")?.hidden);
+        });
+        assert.ok(!(await unsaved(page)), "it was taken back");
+        t.diagnostic(`there: ${listOf(there.tasks, there.frames)}; back: ${listOf(back.tasks, back.frames)}`);
+        return Math.max(0, ...there.tasks, ...back.tasks);
       });
     });
   }
