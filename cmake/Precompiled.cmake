@@ -1,5 +1,6 @@
 # Headers that most sources of some targets include, parsed once for all of them. Sources include all
-# they need all the same; a build with CMAKE_DISABLE_PRECOMPILE_HEADERS=ON tells what one lacks.
+# they need all the same; no build of ours takes tests without them, so it needs a trial with
+# CMAKE_DISABLE_PRECOMPILE_HEADERS=ON to tell what one lacks.
 
 # svp_precompiled(NAME HEADERS headers… LINKS libraries…): headers that targets take by
 # svp_use_precompiled. They are a target of their own, without definitions that hold paths: what is

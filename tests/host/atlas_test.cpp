@@ -68,7 +68,7 @@ Reply putSettings(const RunningHost& host, bool use, const QString& salinity,
 
 QJsonObject objectOf(const Reply& reply)
 {
-    EXPECT_EQ(reply.status(), 200U) << reply.body();
+    EXPECT_EQ(reply.status(), 200) << reply.body();
     EXPECT_EQ(reply["Content-Type"], "application/json");
     return QJsonDocument::fromJson(QByteArray::fromStdString(reply.body())).object();
 }
@@ -162,17 +162,17 @@ TEST(Atlas, SettingsThatMakeNoSenseAreRefused)
           std::string(R"({"use":true,"salinity":"a\u0000b","temperature":"t"})"),
           R"({"use":true,"salinity":"x)" + longest + R"(","temperature":"t"})"}) {
         const Reply reply = put(host, "/api/atlas", body);
-        EXPECT_EQ(reply.status(), 400U) << body.substr(0, 80);
+        EXPECT_EQ(reply.status(), 400) << body.substr(0, 80);
         EXPECT_NE(reply.body().find("The settings need"), std::string::npos);
     }
     EXPECT_FALSE(QFile::exists(mirrorOf(host)));
     EXPECT_EQ(
         put(host, "/api/atlas", R"({"use":false,"salinity":")" + longest + R"(","temperature":""})")
             .status(),
-        200U);
-    EXPECT_EQ(put(host, "/api/atlas", std::string(65536, ' ')).status(), 400U);
+        200);
+    EXPECT_EQ(put(host, "/api/atlas", std::string(65536, ' ')).status(), 400);
     const Reply large = put(host, "/api/atlas", std::string(65537, ' '));
-    EXPECT_EQ(large.status(), 413U);
+    EXPECT_EQ(large.status(), 413);
     EXPECT_EQ(large.body(), "The body of the request is too long; at most 64 KiB are taken.\n");
 }
 
@@ -189,13 +189,13 @@ TEST(Atlas, HeldLockIsToldSoonAndKeepsNobodyWaiting)
     QElapsedTimer clock;
     clock.start();
     waiting.send(putText(host, "/api/atlas", R"({"use":true,"salinity":"s","temperature":"t"})"));
-    EXPECT_EQ(get(host.port(), "/").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/").status(), 200);
     EXPECT_LT(clock.elapsed(), 450);
     const Reply refused = waiting.receive();
-    EXPECT_EQ(refused.status(), 503U);
+    EXPECT_EQ(refused.status(), 503);
     EXPECT_EQ(refused.body(), "The atlas settings were not stored: another program is using the "
                               "survey system's settings. Try again in a moment.\n");
-    EXPECT_EQ(get(host.port(), "/api/atlas").status(), 503U);
+    EXPECT_EQ(get(host.port(), "/api/atlas").status(), 503);
     EXPECT_LT(clock.elapsed(), 5000);
     EXPECT_EQ(readFile(mirrorOf(host)), before);
 
@@ -208,11 +208,11 @@ TEST(Atlas, UnreadableMirrorIsToldAndNotOverwritten)
     RunningHost host;
     writeFile(mirrorOf(host), "{\"tokens\":[");
     const Reply shown = get(host.port(), "/api/atlas");
-    EXPECT_EQ(shown.status(), 503U);
+    EXPECT_EQ(shown.status(), 503);
     EXPECT_EQ(shown.body(),
               "The atlas settings cannot be shown: the survey system's settings cannot be read and "
               "written. Look whether the folder tqrv of the data folder may be.\n");
-    EXPECT_EQ(putSettings(host, true, QString(), QString()).status(), 503U);
+    EXPECT_EQ(putSettings(host, true, QString(), QString()).status(), 503);
     EXPECT_EQ(readFile(mirrorOf(host)), "{\"tokens\":[");
 }
 
@@ -220,23 +220,23 @@ TEST(Atlas, IsForTheHostsOwnPagesAlone)
 {
     RunningHost host;
     const std::string foreign = "Origin: http://evil.example\r\n";
-    EXPECT_EQ(get(host.port(), "/api/atlas", foreign).status(), 403U);
-    EXPECT_EQ(put(host, "/api/atlas", "{}", foreign).status(), 403U);
+    EXPECT_EQ(get(host.port(), "/api/atlas", foreign).status(), 403);
+    EXPECT_EQ(put(host, "/api/atlas", "{}", foreign).status(), 403);
     EXPECT_EQ(
         put(host, "/api/atlas/salinity?name=s.csv", kAtlasText.toStdString(), foreign).status(),
-        403U);
+        403);
     const std::string rebound = "PUT /api/atlas HTTP/1.1\r\nHost: evil.example\r\n"
                                 "Content-Length: 0\r\n\r\n";
-    EXPECT_EQ(request(host.port(), rebound).status(), 403U);
+    EXPECT_EQ(request(host.port(), rebound).status(), 403);
     EXPECT_FALSE(QDir(folderOf(host)).exists());
 
     const std::string field =
         " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(host.port()) + "\r\n\r\n";
     const Reply removed = request(host.port(), "DELETE /api/atlas" + field);
-    EXPECT_EQ(removed.status(), 405U);
+    EXPECT_EQ(removed.status(), 405);
     EXPECT_EQ(removed["Allow"], "GET, HEAD, PUT");
     const Reply read = request(host.port(), "GET /api/atlas/temperature" + field);
-    EXPECT_EQ(read.status(), 405U);
+    EXPECT_EQ(read.status(), 405);
     EXPECT_EQ(read["Allow"], "PUT");
 }
 

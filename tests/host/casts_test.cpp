@@ -18,7 +18,7 @@ namespace {
 QJsonObject listed(unsigned short port)
 {
     const Reply reply = get(port, "/api/casts");
-    EXPECT_EQ(reply.status(), 200U);
+    EXPECT_EQ(reply.status(), 200);
     EXPECT_EQ(reply["Content-Type"], "application/json");
     return QJsonDocument::fromJson(QByteArray::fromStdString(reply.body())).object();
 }
@@ -136,10 +136,10 @@ TEST(Casts, AreReadOnly)
     RunningHost host;
     const std::string field = "Host: 127.0.0.1:" + std::to_string(host.port()) + "\r\n\r\n";
     const Reply refused = request(host.port(), "DELETE /api/casts HTTP/1.1\r\n" + field);
-    EXPECT_EQ(refused.status(), 405U);
+    EXPECT_EQ(refused.status(), 405);
     EXPECT_EQ(refused["Allow"], "GET, HEAD");
     const Reply head = request(host.port(), "HEAD /api/casts HTTP/1.1\r\n" + field, true);
-    EXPECT_EQ(head.status(), 200U);
+    EXPECT_EQ(head.status(), 200);
     EXPECT_EQ(head["Content-Length"], std::to_string(get(host.port(), "/api/casts").body().size()));
 }
 

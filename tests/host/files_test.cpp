@@ -35,14 +35,14 @@ TEST(Files, AreServedWithTheirGuards)
     RunningHost host;
     writeFile(host.scene.webFolder() + QStringLiteral("/deep/main.js"), "let a;");
     const Reply page = get(host.port(), "/?cast=x.asvp");
-    EXPECT_EQ(page.status(), 200U);
+    EXPECT_EQ(page.status(), 200);
     EXPECT_EQ(page.body(), "<!doctype html><title>page</title>");
     EXPECT_EQ(page["Content-Type"], "text/html; charset=utf-8");
     const Reply script = get(host.port(), "/deep/ma%69n.js");
     EXPECT_EQ(script.body(), "let a;");
     EXPECT_EQ(script["Content-Type"], "text/javascript; charset=utf-8");
     const Reply missing = get(host.port(), "/missing.js");
-    EXPECT_EQ(missing.status(), 404U);
+    EXPECT_EQ(missing.status(), 404);
     for (const Reply* reply : {&page, &script, &missing}) {
         EXPECT_EQ((*reply)["X-Content-Type-Options"], "nosniff");
         EXPECT_EQ((*reply)["Content-Security-Policy"],
@@ -68,7 +68,7 @@ TEST(Files, OneConnectionTakesManyRequests)
     EXPECT_EQ(head["Content-Length"], "2");
     EXPECT_EQ(head["Content-Type"], "application/json");
     client.send(getText(host.port(), "/missing"));
-    EXPECT_EQ(client.receive().status(), 404U);
+    EXPECT_EQ(client.receive().status(), 404);
     client.send(getText(host.port(), "/a.json", "Connection: close\r\n"));
     EXPECT_EQ(client.receive().body(), "{}");
     EXPECT_EQ(client.receiveRest(), "");
@@ -82,7 +82,7 @@ TEST(Files, BodyOfAGetIsNotTakenForTheNextRequest)
     client.send(
         getText(host.port(), "/", "Content-Length: " + std::to_string(inner.size()) + "\r\n") +
         inner);
-    EXPECT_EQ(client.receive().status(), 200U);
+    EXPECT_EQ(client.receive().status(), 200);
     EXPECT_EQ(client.receiveRest(), "");
 }
 
@@ -151,7 +151,7 @@ TEST_P(Malformed, IsRefusedAndTheHostServesOn)
     for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@'))
         text.replace(at, 1, here);
     EXPECT_EQ(request(host.port(), text).status(), GetParam().status) << text;
-    EXPECT_EQ(get(host.port(), "/").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/").status(), 200);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -194,7 +194,7 @@ TEST(Files, RawNulInTheRequestLineIsRefused)
     RunningHost host;
     std::string text = getText(host.port(), "/index.html!x");
     text[text.find('!')] = '\0';
-    EXPECT_EQ(request(host.port(), text).status(), 400U);
+    EXPECT_EQ(request(host.port(), text).status(), 400);
 }
 
 TEST(Files, MethodsAreNamed)

@@ -2,6 +2,7 @@
 
 #include "tests/places.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -101,7 +102,11 @@ int HostProcess::awaitExit(int patienceMs)
     const bool ended = process_.state() == QProcess::NotRunning &&
                        process_.exitStatus() == QProcess::NormalExit &&
                        process_.error() != QProcess::FailedToStart;
-    return ended ? process_.exitCode() : -1;
+    if (ended)
+        return process_.exitCode();
+    qWarning("the host did not end by itself: %s; exit code 0x%x",
+             qPrintable(process_.errorString()), unsigned(process_.exitCode()));
+    return -1;
 }
 
 #ifdef Q_OS_WIN

@@ -28,7 +28,7 @@ TEST(Limits, DribblingClientIsDroppedWhileOthersAreServed)
     ASSERT_TRUE(dribbling.send("GET / HTTP/1.1\r\nX-Long: "));
     // Each byte comes well within the time-out; it is the whole header that has to.
     EXPECT_TRUE(eventually([&] {
-        EXPECT_EQ(get(host.port(), "/").status(), 200U);
+        EXPECT_EQ(get(host.port(), "/").status(), 200);
         return !dribbling.send("x");
     }));
     EXPECT_TRUE(mute.isClosedWithin(kPatienceMs));
@@ -42,7 +42,7 @@ TEST(Limits, DribblingBodyIsDropped)
     text.resize(text.size() - 99999);
     ASSERT_TRUE(dribbling.send(text));
     EXPECT_TRUE(eventually([&] {
-        EXPECT_EQ(get(host.port(), "/").status(), 200U);
+        EXPECT_EQ(get(host.port(), "/").status(), 200);
         return !dribbling.send("x");
     }));
 }
@@ -52,7 +52,7 @@ TEST(Limits, IdleConnectionIsClosed)
     RunningHost host(limit("idle-timeout-ms", 300));
     RawClient client(host.port());
     client.send(getText(host.port(), "/"));
-    EXPECT_EQ(client.receive().status(), 200U);
+    EXPECT_EQ(client.receive().status(), 200);
     EXPECT_EQ(client.receiveRest(), "");
 }
 
@@ -60,13 +60,13 @@ TEST(Limits, LongHeaderIsRefused)
 {
     RunningHost host;
     const std::string longer = "X-Long: " + std::string(9000, 'x') + "\r\n";
-    EXPECT_EQ(get(host.port(), "/", longer).status(), 431U);
-    EXPECT_EQ(get(host.port(), "/" + std::string(100000, 'x')).status(), 431U);
+    EXPECT_EQ(get(host.port(), "/", longer).status(), 431);
+    EXPECT_EQ(get(host.port(), "/" + std::string(100000, 'x')).status(), 431);
     std::string many;
     for (int i = 0; i < 3000; ++i)
         many += "a:\r\n";
-    EXPECT_EQ(get(host.port(), "/", many).status(), 431U);
-    EXPECT_EQ(get(host.port(), "/", "X: " + std::string(7000, 'x') + "\r\n").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/", many).status(), 431);
+    EXPECT_EQ(get(host.port(), "/", "X: " + std::string(7000, 'x') + "\r\n").status(), 200);
 }
 
 TEST(Limits, LongBodyIsRefusedAndTheAnswerArrives)
@@ -78,7 +78,7 @@ TEST(Limits, LongBodyIsRefusedAndTheAnswerArrives)
     RawClient client(host.port());
     EXPECT_TRUE(client.send(postText(host.port(), "/SVP_WebInterface", body)));
     const Reply reply = client.receive();
-    EXPECT_EQ(reply.status(), 413U);
+    EXPECT_EQ(reply.status(), 413);
     EXPECT_EQ(client.receiveRest(), "");
     EXPECT_TRUE(client.isEndedInOrder());
     EXPECT_NE(reply.body().find("32 MiB"), std::string::npos);
@@ -88,9 +88,9 @@ TEST(Limits, LongBodyIsRefusedAndTheAnswerArrives)
                  std::to_string(host.port()) + "\r\nTransfer-Encoding: chunked\r\n\r\n");
     for (int i = 0; i < 33; ++i)
         EXPECT_TRUE(chunked.send("100000\r\n" + std::string(kMiB, 'x') + "\r\n"));
-    EXPECT_EQ(chunked.receive().status(), 413U);
+    EXPECT_EQ(chunked.receive().status(), 413);
 
-    EXPECT_EQ(get(host.port(), "/").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/").status(), 200);
 }
 
 TEST(Limits, ForeignUploadIsRefusedAndTheAnswerArrives)
@@ -100,7 +100,7 @@ TEST(Limits, ForeignUploadIsRefusedAndTheAnswerArrives)
     RawClient client(host.port());
     EXPECT_TRUE(client.send(
         postText(host.port(), "/SVP_WebInterface", body, "Origin: http://evil.example\r\n")));
-    EXPECT_EQ(client.receive().status(), 403U);
+    EXPECT_EQ(client.receive().status(), 403);
 }
 
 TEST(Limits, LongMessageClosesThePageAlone)
@@ -122,7 +122,7 @@ TEST(Limits, OneConnectionTooManyIsToldSo)
         ASSERT_EQ(page.open(host.port()), 101);
     RawClient tooMany(host.port());
     tooMany.send(getText(host.port(), "/"));
-    EXPECT_EQ(tooMany.receive().status(), 503U);
+    EXPECT_EQ(tooMany.receive().status(), 503);
     EXPECT_EQ(tooMany.receiveRest(), "");
 
     // The open pages are not disturbed, and a place that is given back can be had.

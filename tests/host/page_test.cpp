@@ -173,7 +173,7 @@ TEST(Page, FilesAreServedWhileThePlugInIsBusy)
     clock.start();
     page.request("slow,3000,done");
     for (int i = 0; i < 10; ++i)
-        EXPECT_EQ(get(host.port(), "/").status(), 200U);
+        EXPECT_EQ(get(host.port(), "/").status(), 200);
     EXPECT_LT(clock.elapsed(), 3000);
     EXPECT_EQ(text(page.receivePacket(), "data"), QStringLiteral("done"));
     EXPECT_GE(clock.elapsed(), 3000);

@@ -84,7 +84,7 @@ TEST(Post, BodyThatIsHeldBackIsAskedFor)
     RawClient client(host.port());
     client.send("POST /SVP_WebInterface HTTP/1.1\r\nHost: " + hostValue(host.port()) +
                 "\r\nExpect: 100-continue\r\nContent-Length: 4\r\n\r\n");
-    EXPECT_EQ(client.receive().status(), 100U);
+    EXPECT_EQ(client.receive().status(), 100);
     client.send("body");
     const std::string answer = client.receiveRest();
     EXPECT_EQ(answer.find(kAnswerHeader), 0U);
@@ -131,7 +131,7 @@ TEST(Post, MissingAnswerIsToldAfterAWhile)
     RunningHost host({QStringLiteral("--plugin-timeout-ms"), QStringLiteral("300")});
     EXPECT_EQ(
         request(host.port(), postText(host.port(), std::string(kPath) + "?silent", "x")).status(),
-        504U);
+        504);
 }
 
 TEST(Post, PlugInThatThrowsIsReported)
@@ -139,7 +139,7 @@ TEST(Post, PlugInThatThrowsIsReported)
     RunningHost host;
     const Reply reply =
         request(host.port(), postText(host.port(), std::string(kPath) + "?throw", "x"));
-    EXPECT_EQ(reply.status(), 500U);
+    EXPECT_EQ(reply.status(), 500);
     EXPECT_EQ(reply.body(), "The plug-in failed: thrown on demand.\n");
     EXPECT_EQ(exchange(host.port(), postText(host.port(), kPath, "x")).find(kAnswerHeader), 0U);
 }

@@ -37,7 +37,7 @@ TEST(Start, SaysItsAddressOnOneLine)
     RunningHost host;
     const QRegularExpression line(QStringLiteral("^http://127\\.0\\.0\\.1:[0-9]+$"));
     EXPECT_TRUE(line.match(QString::fromUtf8(host.process.address())).hasMatch());
-    EXPECT_EQ(get(host.port(), "/").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/").status(), 200);
     EXPECT_EQ(host.process.output(), host.process.address() + "\n");
 }
 
@@ -50,7 +50,7 @@ TEST(Start, ListensOnIPv6WhenTold)
     EXPECT_TRUE(host.address().startsWith("http://[::1]:"));
     RawClient client(host.port(), "::1");
     client.send("GET / HTTP/1.1\r\nHost: [::1]:" + std::to_string(host.port()) + "\r\n\r\n");
-    EXPECT_EQ(client.receive().status(), 200U);
+    EXPECT_EQ(client.receive().status(), 200);
 }
 
 TEST(Start, AddressOfAHostThatListensEverywhereWorksHere)
@@ -59,7 +59,7 @@ TEST(Start, AddressOfAHostThatListensEverywhereWorksHere)
     HostProcess host(replaced(scene.arguments(), "--listen", QStringLiteral("0.0.0.0:0")));
     ASSERT_TRUE(host.awaitAddress());
     EXPECT_TRUE(host.address().startsWith("http://127.0.0.1:")) << host.address().constData();
-    EXPECT_EQ(get(host.port(), "/").status(), 200U);
+    EXPECT_EQ(get(host.port(), "/").status(), 200);
 }
 
 TEST(Start, HelpAndVersionAreShown)
@@ -139,7 +139,7 @@ TEST(Start, PortThatIsTakenIsRefusedBeforeAnythingIsTouched)
         replaced(scene.arguments(), "--listen", QStringLiteral("127.0.0.1:%1").arg(first.port())),
         3, "Cannot listen on 127.0.0.1 port");
     EXPECT_FALSE(QFileInfo::exists(scene.dataFolder()));
-    EXPECT_EQ(get(first.port(), "/").status(), 200U);
+    EXPECT_EQ(get(first.port(), "/").status(), 200);
 }
 
 } // namespace

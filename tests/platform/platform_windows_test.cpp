@@ -1,6 +1,7 @@
 // What only Windows does: files that others hold, devices among the files, its debug output.
 
 #include "platform/platform.h"
+#include "platform/process.h"
 #include "settings/cdatafile.h"
 #include "tests/support/datafolder.h"
 #include "tests/support/heldfile.h"
@@ -10,9 +11,11 @@
 #include <qt_windows.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <thread>
+#include <winsock2.h>
 
 namespace {
 
@@ -116,6 +119,27 @@ TEST(PlatformWindows, AFileThatIsHeldForAMomentIsReplacedAfterwards)
     writer.join();
     EXPECT_TRUE(isReplaced);
     EXPECT_EQ(bytesOf(path), "new");
+}
+
+TEST(PlatformWindows, AClaimedPortIsNotShared)
+{
+    WSADATA data;
+    ASSERT_EQ(WSAStartup(MAKEWORD(2, 2), &data), 0);
+    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    ASSERT_NE(socket, INVALID_SOCKET);
+    const auto isExclusive = [socket] {
+        BOOL value = 2;
+        int size = sizeof value;
+        EXPECT_EQ(::getsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE,
+                               reinterpret_cast<char*>(&value), &size),
+                  0);
+        return value;
+    };
+    EXPECT_EQ(isExclusive(), FALSE);
+    platform::claimPort(std::intptr_t(socket));
+    EXPECT_EQ(isExclusive(), TRUE);
+    ::closesocket(socket);
+    WSACleanup();
 }
 
 TEST(PlatformWindows, DevicesAreNoFiles)
