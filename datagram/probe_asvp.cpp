@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view firstKeyword = "SoundVelocity";
 
-// Words of the header, from the firstKeyword on.
+// Words of the header, from the keyword on.
 constexpr std::size_t timeWord = 3;
 constexpr std::size_t latitudeWord = 4;
 constexpr std::size_t longitudeWord = 5;

@@ -2,6 +2,7 @@
 
 #include "profile/textfile.h"
 #include "profile/texthelpers.h"
+#include "settings/characters.h"
 #include "settings/numbers.h"
 
 #include <algorithm>
@@ -117,7 +118,7 @@ QByteArray leadingIdentifier(const QByteArray& text)
     constexpr char tag[] = "$QZS";
     constexpr int tagLength = 4;
     constexpr int length = tagLength + 2;
-    const auto isDigit = [&text](int place) { return text[place] >= '0' && text[place] <= '9'; };
+    const auto isDigit = [&text](int place) { return settings::isDigit(text[place]); };
     if (text.size() <= length || !text.startsWith(tag) || !isDigit(tagLength) ||
         !isDigit(tagLength + 1) || text[length] != ',')
         return {};

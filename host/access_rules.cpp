@@ -1,5 +1,7 @@
 #include "host/access_rules.h"
 
+#include "settings/characters.h"
+
 #include <algorithm>
 
 namespace host {
@@ -9,12 +11,9 @@ namespace {
 /// ASCII only on purpose: header fields know no other letters.
 std::string lowerCase(std::string_view text)
 {
-    std::string lower(text);
-    for (char& character : lower) {
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    }
-    return lower;
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), settings::lower);
+    return result;
 }
 
 std::string bracketed(const std::string& address)

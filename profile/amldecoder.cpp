@@ -14,7 +14,7 @@ namespace {
 
 using settings::isDigit;
 
-constexpr ColumnName columnNames[] = {
+constexpr ColumnName amlColumns[] = {
     {"Cond", &tagDecodeFmt::conductivityColumn},
     {"TempCT", &tagDecodeFmt::temperatureColumn},
     {"TempSVT", &tagDecodeFmt::temperatureColumn},
@@ -238,7 +238,7 @@ bool fnDecodeAML_AML(const QByteArray& text, tagDecodeFmt& format)
             takeValue(splitKeyValue(line), columnKeys);
     }
 
-    takeColumns(columnsOf(names, units), columnNames, format);
+    takeColumns(columnsOf(names, units), amlColumns, format);
     // Loggers that take the position from their own receiver leave older settings in the manual
     // pair, so in any other mode a fix goes first.
     const bool isExternal = equalIgnoringCase(mode, "External");

@@ -7,6 +7,7 @@
 #include "profile/rowreader.h"
 #include "profile/textfile.h"
 #include "profile/texthelpers.h"
+#include "settings/characters.h"
 
 #include <algorithm>
 #include <charconv>
@@ -111,8 +112,7 @@ bool isNumbersOnly(std::string_view line)
 
 std::size_t firstLetter(std::string_view line)
 {
-    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    return std::size_t(std::find_if(line.begin(), line.end(), isLetter) - line.begin());
+    return std::size_t(std::find_if(line.begin(), line.end(), settings::isLetter) - line.begin());
 }
 
 // "Name: value"

@@ -9,7 +9,7 @@ namespace profile {
 
 namespace {
 
-constexpr ColumnName columnNames[] = {
+constexpr ColumnName vp2Columns[] = {
     {"Date/Time", nullptr}, // known, not kept
     {"Depth", &tagDecodeFmt::depthColumn},
     {"Pressure", &tagDecodeFmt::pressureColumn},
@@ -101,7 +101,7 @@ bool fnDecodeValeportVP2(const QByteArray& text, tagDecodeFmt& format)
         return false;
 
     fillUnits(lines.dataLines(), columns);
-    takeColumns(columns, columnNames, format);
+    takeColumns(columns, vp2Columns, format);
     format.time = yearFirstStamp(time);
     format.isTimeUnread = !time.empty() && format.time.isEmpty();
     format.latitude = decodedText(latitude);
