@@ -2,15 +2,28 @@
 import { createHash, randomBytes } from "node:crypto";
 import { request } from "node:http";
 
+const PATIENCE = 20000; // ms
+
+/// The outcome of a promise, or an error with the complaint if that takes longer.
+export function inTime(promise, complaint, patience = PATIENCE) {
+  return new Promise((resolve, reject) => {
+    const timer = setTimeout(() => reject(new Error(complaint)), patience);
+    promise.then(resolve, reject).finally(() => clearTimeout(timer));
+  });
+}
+
 /// Fetches a page; with a body, sends that by PUT.
 export function fetchText(url, body) {
-  return new Promise((resolve, reject) => {
-    request(url, { method: body === undefined ? "GET" : "PUT" }, (response) => {
+  let asking;
+  const answer = new Promise((resolve, reject) => {
+    asking = request(url, { method: body === undefined ? "GET" : "PUT" }, (response) => {
       const parts = [];
       response.on("data", (part) => parts.push(part));
       response.on("end", () => resolve({ status: response.statusCode, body: Buffer.concat(parts).toString("utf8") }));
-    }).on("error", reject).end(body);
+    }).on("error", reject);
+    asking.end(body);
   });
+  return inTime(answer, `no answer from ${url}`).finally(() => asking.destroy());
 }
 
 function masked(text) {
@@ -59,6 +72,10 @@ export class Page {
   #waiting = [];
 
   static open(url) {
+    return inTime(Page.#opened(url), `no web socket at ${url}`);
+  }
+
+  static #opened(url) {
     return new Promise((resolve, reject) => {
       const key = randomBytes(16).toString("base64");
       const opening = request(`${url}/ws`, {
@@ -107,13 +124,7 @@ export class Page {
   /// The next packet that comes after the one that was returned last.
   next(complaint = "no further packet") {
     if (this.#packets.length > 0) return Promise.resolve(this.#packets.shift());
-    return new Promise((resolve, reject) => {
-      const timer = setTimeout(() => reject(new Error(complaint)), 20000);
-      this.#waiting.push((packet) => {
-        clearTimeout(timer);
-        resolve(packet);
-      });
-    });
+    return inTime(new Promise((resolve) => this.#waiting.push(resolve)), complaint);
   }
 
   close() {

@@ -6,11 +6,20 @@ import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdir
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
-import { makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
+import { inTime } from "./client.mjs";
+import { endPrograms, makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
 
 const system = mkdtempSync(path.join(tmpdir(), "svp-deb-"));
 const state = path.join(system, "var/lib/svp-editor");
-const quiet = { stdio: ["ignore", "pipe", "pipe"], env: { PATH: "/usr/sbin:/usr/bin:/sbin:/bin", DEBIAN_FRONTEND: "noninteractive", LC_ALL: "C.UTF-8" } };
+// A mirror that falls silent is asked again soon, instead of after a quarter of an hour.
+const wgetrc = path.join(mkdtempSync(path.join(tmpdir(), "svp-wget-")), "wgetrc");
+writeFileSync(wgetrc, "timeout = 30\ntries = 5\n");
+const quiet = {
+  stdio: ["ignore", "pipe", "pipe"],
+  timeout: 400000,
+  env: { PATH: "/usr/sbin:/usr/bin:/sbin:/bin", DEBIAN_FRONTEND: "noninteractive", LC_ALL: "C.UTF-8", WGETRC: wgetrc },
+};
+const apt = ["apt-get", "-o", "Acquire::http::Timeout=30", "-o", "Acquire::Retries=5"];
 const inside = (...command) => execFileSync("chroot", [system, ...command], quiet).toString();
 let file;
 let clean;
@@ -34,26 +43,47 @@ function changes() {
 }
 const nothing = { come: [], gone: [] };
 
+/// Broken off, debootstrap leaves what it has mounted.
+function removeSystem() {
+  const mounted = readFileSync("/proc/mounts", "utf8").split("\n").map((line) => line.split(" ")[1] ?? "");
+  for (const place of mounted.filter((each) => each.startsWith(`${system}/`)).reverse()) execFileSync("umount", [place]);
+  rmSync(system, { recursive: true, force: true });
+}
+
+/// Debian's mirror may fail once.
+function makeSystem(attempts) {
+  try {
+    execFileSync("debootstrap", ["--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
+  } catch (error) {
+    console.error(`debootstrap: ${error.message}\n${error.stdout}`);
+    if (attempts === 1) throw error;
+    removeSystem();
+    makeSystem(attempts - 1);
+  }
+}
+
 before(() => {
-  chmodSync(system, 0o755); // as the root of a system is
   const packages = path.join(root, "build/packages");
   const debs = readdirSync(packages).filter((name) => /^svp-editor_\d+\.\d+\.\d+_amd64\.deb$/.test(name));
   assert.equal(debs.length, 1, `in ${packages}: ${debs}`);
-  execFileSync("debootstrap", ["--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
+  makeSystem(3);
+  chmodSync(system, 0o755); // as the root of a system is
   copyFileSync(path.join(packages, debs[0]), path.join(system, "tmp", debs[0]));
   file = `/tmp/${debs[0]}`;
 });
 after(() => {
-  rmSync(system, { recursive: true, force: true });
+  endPrograms();
+  removeSystem();
+  rmSync(path.dirname(wgetrc), { recursive: true, force: true });
 });
 
 test("it installs with what it depends on", () => {
   // Its dependencies first, so that what comes and goes with it alone can be told apart.
   const depends = inside("dpkg-deb", "-f", file, "Depends").split(",").map((each) => each.trim().split(" ")[0]);
-  inside("apt-get", "update");
-  inside("apt-get", "install", "-y", "--no-install-recommends", ...depends);
+  inside(...apt, "update");
+  inside(...apt, "install", "-y", "--no-install-recommends", ...depends);
   // As on a machine that starts services.
-  inside("apt-get", "install", "-y", "--no-install-recommends", "systemd");
+  inside(...apt, "install", "-y", "--no-install-recommends", "systemd");
   clean = inventory();
   inside("dpkg", "-i", file);
   assert.match(inside("dpkg", "-s", "svp-editor"), /Status: install ok installed/);
@@ -92,7 +122,7 @@ test("its service's program serves a cast from opening to sending", async () => 
   } finally {
     host.process.kill("SIGTERM");
   }
-  assert.equal(await ended, 0, host.log());
+  assert.equal(await inTime(ended, "SIGTERM did not stop it"), 0, host.log());
   assert.ok(existsSync(path.join(state, "Ardentide/tqrv/SVPEditor.ini")));
 });
 

@@ -5,38 +5,56 @@ import { execFileSync, spawn } from "node:child_process";
 import { mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
-import { Page, fetchText } from "./client.mjs";
+import { Page, fetchText, inTime } from "./client.mjs";
 
 export const root = path.dirname(path.dirname(path.dirname(fileURLToPath(import.meta.url))));
 
+const started = [];
+
+/// Starts a program that is ended with the tests, however they end: they would wait for it.
+export function start(command, args, options) {
+  const program = spawn(command, args, options);
+  started.push(program);
+  return program;
+}
+
+/// What every file of tests calls after them.
+export function endPrograms() {
+  for (const program of started) {
+    program.kill("SIGKILL");
+    // What it has started in its turn may still hold these open.
+    for (const stream of program.stdio) stream?.destroy();
+  }
+}
+
 /// Starts a program; resolves with {process, url} once the host says its address on stdout.
-export function startHost(command, args, options = {}) {
-  return new Promise((resolve, reject) => {
-    const process_ = spawn(command, args, { stdio: ["ignore", "pipe", "pipe"], ...options });
-    let out = "";
-    let log = "";
-    const timer = setTimeout(() => reject(new Error(`no address came\n${out}\n${log}`)), 60000);
-    process_.stderr.on("data", (text) => (log += text));
-    process_.stdout.on("data", (text) => {
+export async function startHost(command, args, options = {}) {
+  const host = start(command, args, { stdio: ["ignore", "pipe", "pipe"], ...options });
+  let out = "";
+  let log = "";
+  host.stderr.on("data", (text) => (log += text));
+  const address = new Promise((resolve, reject) => {
+    host.stdout.on("data", (text) => {
       out += text;
       const url = /^(http:\/\/\S+)\r?\n/m.exec(out)?.[1];
-      if (!url) return;
-      clearTimeout(timer);
-      resolve({ process: process_, url, log: () => log });
+      if (url) resolve(url);
     });
-    process_.on("exit", (code) => {
-      clearTimeout(timer);
-      reject(new Error(`the host ended with ${code}\n${out}\n${log}`));
-    });
-    process_.on("error", reject);
+    host.on("exit", (code, signal) => reject(new Error(`the host ended with ${code ?? signal}`)));
+    host.on("error", reject);
   });
+  try {
+    return { process: host, url: await inTime(address, "no address came", 60000), log: () => log };
+  } catch (error) {
+    host.kill("SIGKILL");
+    throw new Error(`${error.message}\n${out}\n${log}`);
+  }
 }
 
 /// The listener in the survey system's place; `datagram` resolves with what it says of the first
 /// one that comes. The port is one for the whole machine: whoever has it is waited for.
 async function listenForDatagram() {
   for (let round = 0; round < 60; ++round) {
-    const listener = spawn(process.execPath, [path.join(root, "tools/qrv-listen"), "--count", "1"]);
+    const listener = start(process.execPath, [path.join(root, "tools/qrv-listen"), "--count", "1"]);
     let text = "";
     const ended = new Promise((resolve) => listener.on("exit", (code) => resolve({ code, text })));
     const isListening = new Promise((resolve) =>
@@ -102,8 +120,7 @@ export async function useEditor(url, profiles) {
     const { listener, datagram } = await listenForDatagram();
     try {
       assertSuccess(await page.ask("SendSVPtoQRV", `[0*cast.asvp*${lists}*00*${head}*sent]`));
-      const arrived = await Promise.race([datagram,
-        new Promise((resolve, reject) => setTimeout(() => reject(new Error("no datagram came")), 20000).unref())]);
+      const arrived = await inTime(datagram, "no datagram came");
       assert.match(arrived.text, /Verdict: +sound/);
       assert.match(arrived.text, new RegExp(`Samples: +${rows.length} stated, ${rows.length} found`));
       assert.match(arrived.text, /Position: +41° 15\.0000′ N, 29° 43\.\d+′ W/);

@@ -1,13 +1,13 @@
 // The Windows package as a user has it: unpacked into an empty folder, with nothing of the build
 // in reach, run by wine.
 import assert from "node:assert/strict";
-import { execFileSync, spawn } from "node:child_process";
+import { execFileSync } from "node:child_process";
 import { mkdtempSync, mkdirSync, readdirSync, readFileSync, rmSync, existsSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
-import { fetchText } from "./client.mjs";
-import { makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
+import { fetchText, inTime } from "./client.mjs";
+import { endPrograms, makeTokenDatabase, root, start, startHost, useAtlas, useEditor } from "./session.mjs";
 
 const folder = mkdtempSync(path.join(tmpdir(), "svp-zip-"));
 const packages = path.join(root, "build/packages");
@@ -25,7 +25,10 @@ before(() => {
   unpacked = path.join(folder, zips[0].replace(/\.zip$/, ""));
   bare.cwd = unpacked;
 });
-after(() => rmSync(folder, { recursive: true, force: true }));
+after(() => {
+  endPrograms();
+  rmSync(folder, { recursive: true, force: true });
+});
 
 /// What every Windows has of itself.
 const OF_WINDOWS = ["advapi32", "bcrypt", "dnsapi", "iphlpapi", "kernel32", "mpr", "mswsock", "msvcrt", "netapi32", "ole32",
@@ -92,7 +95,6 @@ test("started by a double click it finds its parts beside itself and makes its f
     assert.ok(existsSync(path.join(made, "tqrv/SVPEditor.ini")));
     assert.ok(existsSync(path.join(made, "qrvdata/svp_abscoeff/SVPExtension.txt")));
   } finally {
-    host.process.removeAllListeners("exit");
     host.process.kill();
     rmSync(made, { recursive: true });
   }
@@ -118,7 +120,6 @@ for (const [what, place] of [["of any letters", "Daten Süd 測深 & more"], ["o
       assert.match(settings, /\r\n\[iniVer\]\r\nSVPEditorVersion=8\r\n/);
       assert.ok(existsSync(path.join(profiles, "SVPExtension.txt")));
     } finally {
-      host.process.removeAllListeners("exit");
       host.process.kill();
       rmSync(database);
     }
@@ -131,7 +132,7 @@ test("Ctrl+C in its window stops the host", async () => {
   const shell = (word) => `'${word.replaceAll("'", "'\\''")}'`;
   const command = [wine, "svp-host.exe", "--data", windowsPath(data), "--listen", "127.0.0.1:0"].map(shell).join(" ");
   const said = path.join(folder, "said");
-  const window = spawn("script", ["-qefc", `exec ${command} >${shell(said)} 2>&1`, "/dev/null"],
+  const window = start("script", ["-qefc", `exec ${command} >${shell(said)} 2>&1`, "/dev/null"],
     { ...bare, stdio: ["pipe", "ignore", "ignore"] });
   const ended = new Promise((resolve) => window.on("exit", resolve));
   let address = "";
@@ -141,19 +142,19 @@ test("Ctrl+C in its window stops the host", async () => {
   }
   assert.equal((await fetchText(`${address}/`)).status, 200);
   window.stdin.write("\x03");
-  assert.equal(await ended, 0, readFileSync(said, "utf8"));
+  assert.equal(await inTime(ended, "Ctrl+C did not stop it"), 0, readFileSync(said, "utf8"));
   await assert.rejects(fetchText(`${address}/`));
 });
 
 test("a start that fails says why", () => {
-  const said = execFileSync("bash", ["-c", '"$@" 2>&1 || true', "-", wine, "svp-host.exe", "--web", "none"], bare).toString();
+  const said = execFileSync("bash", ["-c", '"$@" 2>&1 || true', "-", wine, "svp-host.exe", "--web", "none"], { ...bare, timeout: 60000 }).toString();
   assert.match(said, /^svp-host: --web: there is no folder .*none\.\n$/);
 });
 
 test("probe files are converted", () => {
   const to = path.join(folder, "Profile für 測深");
   mkdirSync(to);
-  const said = execFileSync(wine, ["svp-convert.exe", "samples\\edf-xbt.edf", "--to", windowsPath(to)], bare).toString();
+  const said = execFileSync(wine, ["svp-convert.exe", "samples\\edf-xbt.edf", "--to", windowsPath(to)], { ...bare, timeout: 60000 }).toString();
   assert.match(said, /EDF probe file; 10 levels, 1\.00 to 60\.00 m/);
   assert.deepEqual(readdirSync(to), ["edf-xbt.asvp"]);
 });
