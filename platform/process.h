@@ -24,7 +24,7 @@ void setEnvironment(const char* name, const QString& value);
 
 /// The arguments that name files, with "*" and "?" in the last part of a path replaced by the
 /// names of the files that are there, sorted, where the system's shell leaves that to the program.
-/// A pattern that nothing matches stays as it is.
+/// Any other letter, "[" too, stands for itself. A pattern that nothing matches stays as it is.
 QStringList expandedPatterns(const QStringList& arguments);
 
 /// The file name of a loadable module: "x.dll", "libx.so".

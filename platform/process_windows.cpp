@@ -57,8 +57,11 @@ QStringList expandedPatterns(const QStringList& arguments)
         const QFileInfo pattern(argument);
         const QString name = pattern.fileName();
         QStringList names;
-        if (name.contains(QLatin1Char('*')) || name.contains(QLatin1Char('?')))
-            names = QDir(pattern.path()).entryList({name}, QDir::Files, QDir::Name);
+        if (name.contains(QLatin1Char('*')) || name.contains(QLatin1Char('?'))) {
+            // Windows has no sets of letters: a bracket is part of the name.
+            const QString filter = QString(name).replace(QLatin1Char('['), QLatin1String("[[]"));
+            names = QDir(pattern.path()).entryList({filter}, QDir::Files, QDir::Name);
+        }
         // As it was written, so that messages name the files as the user does.
         const QString folder = argument.chopped(name.size());
         for (const QString& found : qAsConst(names))

@@ -94,19 +94,20 @@ TEST(Platform, ModulesAreNamedAsTheSystemNamesThem)
 TEST(Platform, PatternsAreExpandedWhereTheShellDoesNot)
 {
     const DataFolder folder;
-    for (const char* name : {"b.cnv", "ä 測.cnv", "a.CNV", "c.txt"})
+    for (const char* name : {"b.cnv", "ä 測.cnv", "a.CNV", "c.txt", "[1] b.txt", "1 b.txt"})
         folder.write(QString::fromUtf8(name), "x");
-    const QString pattern = folder.path(QStringLiteral("*.cnv"));
+    const QStringList patterns{folder.path(QStringLiteral("*.cnv")),
+                               folder.path(QStringLiteral("[1]*.t?t"))};
     const QStringList others{QStringLiteral("--to"), folder.path(QStringLiteral("none*.cnv")),
                              folder.path(QStringLiteral("c.txt"))};
 #ifdef Q_OS_WIN
-    const QStringList expected{folder.path(QStringLiteral("a.CNV")),
-                               folder.path(QStringLiteral("b.cnv")),
-                               folder.path(QStringLiteral("ä 測.cnv"))};
+    const QStringList expected{
+        folder.path(QStringLiteral("a.CNV")), folder.path(QStringLiteral("b.cnv")),
+        folder.path(QStringLiteral("ä 測.cnv")), folder.path(QStringLiteral("[1] b.txt"))};
 #else
-    const QStringList expected{pattern};
+    const QStringList& expected = patterns;
 #endif
-    EXPECT_EQ(platform::expandedPatterns(QStringList{pattern} + others), expected + others);
+    EXPECT_EQ(platform::expandedPatterns(patterns + others), expected + others);
 }
 
 TEST(Platform, TextFilesHaveTheLineEndsOfTheSystem)
