@@ -23,7 +23,7 @@ export function fetchText(url, body) {
     }).on("error", reject);
     asking.end(body);
   });
-  return inTime(answer, `no answer from ${url}`).finally(() => asking.destroy());
+  return inTime(answer, `no answer from ${url}`).finally(() => asking?.destroy());
 }
 
 function masked(text) {
@@ -72,13 +72,10 @@ export class Page {
   #waiting = [];
 
   static open(url) {
-    return inTime(Page.#opened(url), `no web socket at ${url}`);
-  }
-
-  static #opened(url) {
-    return new Promise((resolve, reject) => {
+    let opening;
+    const opened = new Promise((resolve, reject) => {
       const key = randomBytes(16).toString("base64");
-      const opening = request(`${url}/ws`, {
+      opening = request(`${url}/ws`, {
         headers: { Connection: "Upgrade", Upgrade: "websocket", "Sec-WebSocket-Version": "13", "Sec-WebSocket-Key": key },
       });
       opening.on("upgrade", (response, socket, head) => {
@@ -87,12 +84,17 @@ export class Page {
         const page = new Page();
         page.#socket = socket;
         socket.on("data", (part) => page.#take(part));
+        socket.on("error", () => {}); // whoever asks is told that no answer came
         page.#take(head);
         resolve(page);
       });
       opening.on("response", (response) => reject(new Error(`web socket refused: ${response.statusCode}`)));
       opening.on("error", reject);
       opening.end();
+    });
+    return inTime(opened, `no web socket at ${url}`).catch((error) => {
+      opening?.destroy();
+      throw error;
     });
   }
 

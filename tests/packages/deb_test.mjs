@@ -2,21 +2,21 @@
 // through the page, removed. Needs root, since it changes into that system (chroot).
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, statSync, writeFileSync } from "node:fs";
+import { chmodSync, copyFileSync, existsSync, mkdtempSync, readFileSync, readdirSync, realpathSync, rmSync, statSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
 import { inTime } from "./client.mjs";
 import { endPrograms, makeTokenDatabase, root, startHost, useAtlas, useEditor } from "./session.mjs";
 
-const system = mkdtempSync(path.join(tmpdir(), "svp-deb-"));
+const system = realpathSync(mkdtempSync(path.join(tmpdir(), "svp-deb-")));
 const state = path.join(system, "var/lib/svp-editor");
 // A mirror that falls silent is asked again soon, instead of after a quarter of an hour.
 const wgetrc = path.join(mkdtempSync(path.join(tmpdir(), "svp-wget-")), "wgetrc");
 writeFileSync(wgetrc, "timeout = 30\ntries = 5\n");
 const quiet = {
   stdio: ["ignore", "pipe", "pipe"],
-  timeout: 400000,
+  timeout: 250000,
   env: { PATH: "/usr/sbin:/usr/bin:/sbin:/bin", DEBIAN_FRONTEND: "noninteractive", LC_ALL: "C.UTF-8", WGETRC: wgetrc },
 };
 const apt = ["apt-get", "-o", "Acquire::http::Timeout=30", "-o", "Acquire::Retries=5"];
@@ -46,14 +46,15 @@ const nothing = { come: [], gone: [] };
 /// Broken off, debootstrap leaves what it has mounted.
 function removeSystem() {
   const mounted = readFileSync("/proc/mounts", "utf8").split("\n").map((line) => line.split(" ")[1] ?? "");
-  for (const place of mounted.filter((each) => each.startsWith(`${system}/`)).reverse()) execFileSync("umount", [place]);
+  for (const place of mounted.filter((each) => each.startsWith(`${system}/`)).reverse()) execFileSync("umount", ["-l", place]);
   rmSync(system, { recursive: true, force: true });
 }
 
 /// Debian's mirror may fail once.
-function makeSystem(attempts) {
+function makeSystem(attempts = 2) {
   try {
-    execFileSync("debootstrap", ["--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
+    // Ends what it started with it, which time-outs of this side do not.
+    execFileSync("timeout", ["-k", "10", "200", "debootstrap", "--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
   } catch (error) {
     console.error(`debootstrap: ${error.message}\n${error.stdout}`);
     if (attempts === 1) throw error;
@@ -66,7 +67,7 @@ before(() => {
   const packages = path.join(root, "build/packages");
   const debs = readdirSync(packages).filter((name) => /^svp-editor_\d+\.\d+\.\d+_amd64\.deb$/.test(name));
   assert.equal(debs.length, 1, `in ${packages}: ${debs}`);
-  makeSystem(3);
+  makeSystem();
   chmodSync(system, 0o755); // as the root of a system is
   copyFileSync(path.join(packages, debs[0]), path.join(system, "tmp", debs[0]));
   file = `/tmp/${debs[0]}`;

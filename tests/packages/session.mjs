@@ -56,13 +56,14 @@ async function listenForDatagram() {
   for (let round = 0; round < 60; ++round) {
     const listener = start(process.execPath, [path.join(root, "tools/qrv-listen"), "--count", "1"]);
     let text = "";
-    const ended = new Promise((resolve) => listener.on("exit", (code) => resolve({ code, text })));
+    const ended = new Promise((resolve) => listener.on("close", (code) => resolve({ code, text })));
     const isListening = new Promise((resolve) =>
       listener.stdout.on("data", (part) => {
         text += part;
         if (text.includes("Listening")) resolve(true);
       }));
-    if (await Promise.race([isListening, ended.then(() => false)])) return { listener, datagram: ended };
+    const comes = Promise.race([isListening, ended.then(() => false)]);
+    if (await inTime(comes, "the listener does not say that it listens")) return { listener, datagram: ended };
     await new Promise((resolve) => setTimeout(resolve, 1000));
   }
   throw new Error("UDP port 14002 stays taken");

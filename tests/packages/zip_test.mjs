@@ -1,7 +1,7 @@
 // The Windows package as a user has it: unpacked into an empty folder, with nothing of the build
 // in reach, run by wine.
 import assert from "node:assert/strict";
-import { execFileSync } from "node:child_process";
+import { execFileSync, spawnSync } from "node:child_process";
 import { mkdtempSync, mkdirSync, readdirSync, readFileSync, rmSync, existsSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
@@ -140,6 +140,7 @@ test("Ctrl+C in its window stops the host", async () => {
     await new Promise((resolve) => setTimeout(resolve, 100));
     address = existsSync(said) ? /^http:\S+/m.exec(readFileSync(said, "utf8"))?.[0] ?? "" : "";
   }
+  assert.ok(address, existsSync(said) ? readFileSync(said, "utf8") : "nothing was said");
   assert.equal((await fetchText(`${address}/`)).status, 200);
   window.stdin.write("\x03");
   assert.equal(await inTime(ended, "Ctrl+C did not stop it"), 0, readFileSync(said, "utf8"));
@@ -147,8 +148,9 @@ test("Ctrl+C in its window stops the host", async () => {
 });
 
 test("a start that fails says why", () => {
-  const said = execFileSync("bash", ["-c", '"$@" 2>&1 || true', "-", wine, "svp-host.exe", "--web", "none"], { ...bare, timeout: 60000 }).toString();
-  assert.match(said, /^svp-host: --web: there is no folder .*none\.\n$/);
+  const { status, stdout, stderr } = spawnSync(wine, ["svp-host.exe", "--web", "none"], { ...bare, timeout: 60000, encoding: "utf8" });
+  assert.match(stdout + stderr, /^svp-host: --web: there is no folder .*none\.\r?\n$/);
+  assert.ok(status > 0, `${status}`);
 });
 
 test("probe files are converted", () => {
