@@ -18,9 +18,9 @@ const checkAll = process.argv.includes("--all");
 const cache = path.join(process.env.XDG_CACHE_HOME ?? path.join(homedir(), ".cache"), "svp-editor-lint");
 mkdirSync(cache, { recursive: true });
 
-function run(command, args, { input } = {}) {
+function run(command, args) {
   return new Promise((resolve) => {
-    const child = spawn(command, args, { stdio: ["pipe", "pipe", "pipe"] });
+    const child = spawn(command, args, { stdio: ["ignore", "pipe", "pipe"] });
     const out = [];
     const err = [];
     child.stdout.on("data", (data) => out.push(data));
@@ -28,7 +28,6 @@ function run(command, args, { input } = {}) {
     child.on("error", (error) => resolve({ code: 127, out: "", err: String(error) }));
     child.on("close", (code) =>
       resolve({ code, out: Buffer.concat(out).toString(), err: Buffer.concat(err).toString() }));
-    child.stdin.end(input ?? "");
   });
 }
 

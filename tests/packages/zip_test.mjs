@@ -142,6 +142,7 @@ test("Ctrl+C in its window stops the host", async () => {
   }
   assert.ok(address, existsSync(said) ? readFileSync(said, "utf8") : "nothing was said");
   assert.equal((await fetchText(`${address}/`)).status, 200);
+  window.stdin.on("error", () => {}); // if it is gone already, its end tells
   window.stdin.write("\x03");
   assert.equal(await inTime(ended, "Ctrl+C did not stop it"), 0, readFileSync(said, "utf8"));
   await assert.rejects(fetchText(`${address}/`));
