@@ -20,6 +20,7 @@ const LABELS: Record<Quantity, string> = { salinity: "Salinity file", temperatur
 interface FilePart {
   element: HTMLElement;
   path: HTMLInputElement;
+  pick: HTMLButtonElement;
   facts: HTMLElement;
   progress: HTMLProgressElement;
 }
@@ -48,12 +49,14 @@ export class AtlasDialog {
     this.use.checked = false;
     for (const quantity of QUANTITIES) this.setFile(quantity, "", []);
     this.rest(true);
+    this.lock(true);
     this.tell("Reading the settings…");
     this.dialog.showModal();
     const result = await readAtlas();
     if (turn !== this.turn) return;
     if ("reason" in result) return this.tell(result.reason, true);
     this.rest(false);
+    this.lock(false);
     this.tell("");
     this.take(result.state);
     this.use.focus();
@@ -120,7 +123,7 @@ export class AtlasDialog {
     const pick = button("", "Hand in…", () => picker.click());
     pick.setAttribute("aria-label", `Hand in a ${quantity} file of this computer`);
     const element = make("div", "atlas-file", label, make("div", "atlas-path", path, pick), picker, progress, facts);
-    return { element, path, facts, progress };
+    return { element, path, pick, facts, progress };
   }
 
   private take(state: AtlasState): void {
@@ -193,6 +196,12 @@ export class AtlasDialog {
     }
     this.dialog.close();
     this.saved(use ? "The World Ocean Atlas is switched on: Fix continues casts with it." : "The World Ocean Atlas is switched off.");
+  }
+
+  /// Before the settings are read, what is entered would be overwritten by them.
+  private lock(locked: boolean): void {
+    const files = QUANTITIES.flatMap((quantity) => [this.parts[quantity].path, this.parts[quantity].pick]);
+    for (const control of [this.use, ...files]) control.disabled = locked;
   }
 
   private rest(busy: boolean): void {

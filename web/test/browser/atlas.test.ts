@@ -127,6 +127,26 @@ describe("the atlas", () => {
     await writeFile(mirror, whole);
   });
 
+  test("nothing can be entered before the settings are read, which would overwrite it", async () => {
+    const page = await stage.page();
+    let answer = (): void => undefined;
+    const held = new Promise<void>((resolve) => (answer = resolve));
+    await page.route("**/api/atlas", async (route) => {
+      await held;
+      await route.continue();
+    });
+    await page.keyboard.press("a");
+    await atlasDialog(page).getByText("Reading the settings…").waitFor();
+    const fields = [use(page), pathField(page, "Salinity file"), pathField(page, "Temperature file")];
+    for (const each of [...fields, atlasDialog(page).getByRole("button", { name: "Hand in" }).first(), save(page)]) {
+      assert.ok(await each.isDisabled());
+    }
+    answer();
+    await atlasDialog(page).getByText("Reading the settings…").waitFor({ state: "hidden" });
+    for (const each of fields) assert.ok(await each.isEnabled());
+    assert.ok(await use(page).evaluate((box) => box === document.activeElement));
+  });
+
   for (const theme of ["dark", "light"]) {
     test(`the dialog lies inside a small screen, ${theme}`, async () => {
       const page = await stage.page({ width: 1024, height: 600 });
