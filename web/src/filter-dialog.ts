@@ -50,6 +50,9 @@ export class FilterDialog {
   private file: PreviewFile | null = null;
   private drawing = false;
   private busy = false;
+  /// The opening whose rows are being read; 0 when there is none.
+  private reading = 0;
+  private openings = 0;
 
   constructor(
     private readonly table: FilterTable,
@@ -78,7 +81,12 @@ export class FilterDialog {
     this.form.focus();
     // Until the rows are here, nothing can be said about what saving would replace.
     this.rest(true);
+    const opening = ++this.openings;
+    this.reading = opening;
     await this.reload();
+    // Closed meanwhile.
+    if (this.reading !== opening) return;
+    this.reading = 0;
     this.rest(false);
     if (handed) await this.take(handed.file, handed.stored);
     else if (!this.isChanged && this.listing.filters[0]) this.select(this.listing.filters[0]);
@@ -153,6 +161,10 @@ export class FilterDialog {
 
   private close(): void {
     void this.leave(() => {
+      if (this.reading > 0) {
+        this.reading = 0;
+        this.rest(false);
+      }
       this.dialog.close();
       const names = this.table.unstored.map(({ name }) => name);
       if (names.length > 0) {
@@ -163,7 +175,8 @@ export class FilterDialog {
 
   /// Goes on once the user agrees to lose what the form holds.
   private async leave(go: () => void): Promise<void> {
-    if (this.busy) return;
+    // Who waits for the rows may leave; the buttons that this also serves rest meanwhile.
+    if (this.busy && this.reading === 0) return;
     if (this.isChanged) {
       const { name } = this.form.value;
       const answer = await ask({

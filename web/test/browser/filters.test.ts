@@ -156,6 +156,20 @@ describe("import filters", () => {
     assert.equal(await field(page, "Name").inputValue(), "lab");
   });
 
+  test("Escape leaves it while the rows are still read", async () => {
+    await write(row("one"));
+    const page = await stage.page();
+    // No answer comes before the key.
+    await page.evaluate(() => {
+      [...document.querySelectorAll("button")].filter(({ textContent }) => textContent === "Import filters…").at(-1)?.click();
+      document.activeElement?.dispatchEvent(new KeyboardEvent("keydown", { key: "Escape", bubbles: true, cancelable: true }));
+    });
+    assert.ok(await dialogOf(page).isHidden());
+    await openFilters(page);
+    assert.deepEqual(await listed(page), ["one"]);
+    assert.equal(await field(page, "Suffix").inputValue(), ".one");
+  });
+
   test("what is not saved is not lost by Escape, and no key reaches the page behind", async () => {
     const page = await stage.page();
     await openCast(page, "shelf-summer.asvp");
