@@ -1,12 +1,13 @@
 /// The real host with the real engine, in a data folder of its own.
 import { spawn, type ChildProcess } from "node:child_process";
-import { access, mkdtemp, rm, utimes, writeFile } from "node:fs/promises";
+import { access, mkdtemp, readFile, readdir, rm, utimes, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { join, resolve } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as pause } from "node:timers/promises";
 
 const START_LIMIT_MS = 20_000;
+const HANG_LIMIT_MS = 10_000;
 const HEARING_TRIES = 60;
 
 const paths = {
@@ -80,9 +81,29 @@ export class Host {
     await utimes(join(this.folder, name), written, written);
   }
 
-  /// Has the host hang, with all its connections open, or go on.
-  hang(isHung: boolean): void {
-    this.process?.kill(isHung ? "SIGSTOP" : "SIGCONT");
+  /// Has the host hang, with all its connections open. Resolves once it does: the signal is on its way
+  /// for a while, and on a busy machine requests are answered meanwhile.
+  async hang(): Promise<void> {
+    this.process?.kill("SIGSTOP");
+    for (let waited = 0; !(await this.isHung()); waited += 5) {
+      if (waited > HANG_LIMIT_MS) throw this.trouble("does not hang");
+      await pause(5);
+    }
+  }
+
+  /// Has a host that hangs go on.
+  goOn(): void {
+    this.process?.kill("SIGCONT");
+  }
+
+  /// Whether each of its threads is stopped.
+  private async isHung(): Promise<boolean> {
+    const tasks = `/proc/${this.process?.pid ?? ""}/task`;
+    const stats = (await readdir(tasks)).map((thread) =>
+      // One that has just ended leaves none.
+      readFile(join(tasks, thread, "stat"), "utf8").catch(() => ""));
+    // The state stands behind the name, which is in brackets and may hold any character.
+    return (await Promise.all(stats)).every((stat) => stat.slice(stat.lastIndexOf(")")).startsWith(") T"));
   }
 
   /// Ends the host as an operator would.

@@ -35,7 +35,7 @@ describe("work under way", () => {
     await question.getByLabel("Latitude").fill("12 30.5 S");
     await question.getByLabel("Longitude").fill("10 E");
     await question.getByLabel("Time of the cast, UTC").fill("2026-11-15 12:34:56");
-    stage.host.hang(true);
+    await stage.host.hang();
     await page.keyboard.press("Enter");
     await doing(page, way === "send" ? "Sending nowhere.asvp…" : "Saving kept.asvp…").waitFor();
   }
@@ -63,7 +63,7 @@ describe("work under way", () => {
     const page = await stage.page();
     await begin(page, "save");
     await edit(page, "Reverse");
-    stage.host.hang(false);
+    stage.host.goOn();
     await told(page, "Saved as").waitFor();
     assert.ok(await unsaved(page));
     const lines = (await readFile(join(stage.host.folder, "kept.asvp"), "latin1")).trimEnd().split("\r\n").slice(1);
@@ -76,7 +76,7 @@ describe("work under way", () => {
   test("a host that hangs is told of after a while, and the list comes once it goes on", async () => {
     const page = await stage.page();
     await openCast(page, "nowhere.asvp");
-    stage.host.hang(true);
+    await stage.host.hang();
     await page.keyboard.press("r");
     await doing(page, "Reading the list of casts…").waitFor();
     await page.keyboard.press("Control+s");
@@ -85,7 +85,7 @@ describe("work under way", () => {
     const failure = failed(page, "The casts could not be listed: the host has not answered within 10 seconds. Look whether it is still running");
     await failure.waitFor({ timeout: 15_000 });
     await page.getByRole("dialog", { name: "Replace nowhere.asvp?" }).getByRole("button", { name: "Cancel" }).click();
-    stage.host.hang(false);
+    stage.host.goOn();
     await failure.waitFor({ state: "detached" });
     await doing(page, "Reading the list of casts…").waitFor({ state: "detached" });
     assert.ok(!(await unsaved(page)));
