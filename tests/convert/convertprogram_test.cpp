@@ -50,7 +50,7 @@ class ConvertProgram : public testing::Test
             environment.insert(QStringLiteral("LC_ALL"), locale);
         process.setProcessEnvironment(environment);
         process.start(QStringLiteral(SVP_CONVERT_FILE), arguments);
-        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_TRUE(process.waitForFinished(120000));
         ProgramRun result;
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         result.exitCode = process.exitCode();

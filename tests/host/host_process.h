@@ -13,7 +13,7 @@ namespace hosttest {
 
 /// How long anything may take before a test gives up. Generous, since it is only ever waited out
 /// by a test that fails.
-constexpr int kPatienceMs = 20000;
+constexpr int kPatienceMs = 60000;
 
 /// Writes a file, folders included.
 void writeFile(const QString& path, const QByteArray& content);

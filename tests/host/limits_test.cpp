@@ -22,7 +22,7 @@ QStringList limit(const char* name, int value)
 
 TEST(Limits, DribblingClientIsDroppedWhileOthersAreServed)
 {
-    RunningHost host(limit("header-timeout-ms", 1000));
+    RunningHost host(limit("header-timeout-ms", 3000));
     RawClient dribbling(host.port());
     RawClient mute(host.port());
     ASSERT_TRUE(dribbling.send("GET / HTTP/1.1\r\nX-Long: "));
@@ -137,8 +137,9 @@ TEST(Limits, CrowdBeyondTheLimitIsWithstood)
 {
     RunningHost host(limit("max-connections", 20));
     {
+        // Of four descriptors each, of which a process has 1024 where nobody has raised that.
         std::deque<RawClient> crowd;
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 200; ++i)
             crowd.emplace_back(host.port());
     }
     EXPECT_TRUE(eventually([&] { return get(host.port(), "/").status() == 200; }));
@@ -165,10 +166,10 @@ TEST(Limits, PageThatDoesNotReadIsDropped)
 
 TEST(Limits, SilentPageIsDroppedAndALivingOneIsNot)
 {
-    RunningHost host(limit("ping-interval-ms", 200) + limit("silence-timeout-ms", 1500));
+    RunningHost host(limit("ping-interval-ms", 200) + limit("silence-timeout-ms", 3000));
     PageClient living(host.port());
     PageClient silent(host.port()); // answers pings only while it is being read
-    living.request("later,4000,after a while");
+    living.request("later,7000,after a while");
     EXPECT_EQ(living.receivePacket().value(QStringLiteral("data")).toString(),
               QStringLiteral("after a while"));
     EXPECT_EQ(silent.awaitClose(), 0);
@@ -179,7 +180,7 @@ TEST(Limits, SilentPageIsDroppedAndALivingOneIsNot)
 
 TEST(Limits, BusyPlugInDoesNotMakeItsPageSilent)
 {
-    RunningHost host(limit("ping-interval-ms", 200) + limit("silence-timeout-ms", 800));
+    RunningHost host(limit("ping-interval-ms", 200) + limit("silence-timeout-ms", 1500));
     PageClient page(host.port());
     ASSERT_TRUE(page.request("slow,2500,first"));
     // More than the host queues, so that it stops reading from the page meanwhile.
@@ -196,18 +197,18 @@ TEST(Limits, PageIsNotReadFromWhileThePlugInIsBehind)
 {
     RunningHost host;
     PageClient page(host.port());
+    QElapsedTimer clock;
+    clock.start();
     page.request("hold,2500");
     ASSERT_EQ(page.receivePacket().value(QStringLiteral("data")).toString(),
               QStringLiteral("begun"));
-    QElapsedTimer clock;
-    clock.start();
     // More than the host queues and the system's socket buffers hold together.
     constexpr int kMessages = 64;
     const std::string filling(kMiB, ' ');
     for (int i = 0; i < kMessages; ++i)
         ASSERT_TRUE(page.sendText(filling + R"({"name": "SVP_WebInterface", "data": ")" +
                                   std::to_string(i) + "\"}"));
-    EXPECT_GT(clock.elapsed(), 1500);
+    EXPECT_GT(clock.elapsed(), 2400);
     for (int i = 0; i < kMessages; ++i)
         ASSERT_EQ(page.receivePacket().value(QStringLiteral("data")).toString(),
                   QString::number(i));

@@ -17,8 +17,9 @@ using namespace hosttest;
 
 namespace {
 
-/// Within two seconds, and a little for a machine that is busy with other tests.
-constexpr int kSoonMs = 4000;
+/// Within two seconds, and more for a machine that is busy with other tests. Waiting for what does
+/// not listen would take ten.
+constexpr int kSoonMs = 8000;
 
 /// Has the plug-in busy by the time it returns.
 void beginCall(PageClient& page, int milliseconds)
@@ -99,14 +100,15 @@ TEST(Stop, CallOfThePlugInIsLetFinish)
 {
     RunningHost host;
     PageClient page(host.port());
-    beginCall(page, 1500);
-    page.request("log,77777"); // not begun when the host is asked to stop
+    // From before the call: it takes its time however late the host is asked to stop.
     QElapsedTimer clock;
     clock.start();
+    beginCall(page, 1500);
+    page.request("log,77777"); // not begun when the host is asked to stop
     host.process.terminate();
     EXPECT_EQ(page.awaitClose(), 1001);
     EXPECT_EQ(host.process.awaitExit(), 0);
-    EXPECT_GT(clock.elapsed(), 500);
+    EXPECT_GT(clock.elapsed(), 1400);
     EXPECT_FALSE(host.process.errorOutput().contains("77788 characters"));
 }
 
@@ -141,18 +143,25 @@ TEST(Stop, SecondSignalDoesNotWait)
 TEST(Stop, PortIsFreeAgainAtOnce)
 {
     Scene scene;
-    quint16 port = 0;
-    QStringList arguments = scene.arguments();
-    for (int round = 0; round < 2; ++round) {
-        HostProcess host(arguments);
-        ASSERT_TRUE(host.awaitAddress()) << host.errorOutput().constData();
-        port = host.port();
-        arguments.last() = QStringLiteral("127.0.0.1:%1").arg(port);
-        PageClient page(port);
-        host.terminate();
-        EXPECT_EQ(page.awaitClose(), 1001);
-        EXPECT_EQ(host.awaitExit(), 0);
-    }
+    QByteArray log;
+    const auto startsTwice = [&] {
+        QStringList arguments = scene.arguments();
+        for (int round = 0; round < 2; ++round) {
+            HostProcess host(arguments);
+            if (!host.awaitAddress()) {
+                log += host.errorOutput();
+                return false;
+            }
+            arguments.last() = QStringLiteral("127.0.0.1:%1").arg(host.port());
+            PageClient page(host.port());
+            host.terminate();
+            EXPECT_EQ(page.awaitClose(), 1001);
+            EXPECT_EQ(host.awaitExit(), 0);
+        }
+        return true;
+    };
+    // Another program may be given the port in between, but hardly each time.
+    EXPECT_TRUE(startsTwice() || startsTwice() || startsTwice()) << log.constData();
 }
 
 } // namespace

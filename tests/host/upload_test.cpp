@@ -206,7 +206,7 @@ TEST(Upload, WaitsForAFileThatIsHeldForAMoment)
         EXPECT_EQ(readFile(stored).toStdString(), kBeginning);
         EXPECT_EQ(storedBy(host), QStringList(QStringLiteral("s.csv")));
     }
-    auto held = std::make_unique<HeldFile>(stored);
+    auto held = std::make_unique<FileHeldHere>(stored);
     ASSERT_TRUE(held->isHeld());
     Reply reply;
     std::thread sender([&] { reply = put(host, path, text); });

@@ -2,7 +2,7 @@
 import { createHash, randomBytes } from "node:crypto";
 import { request } from "node:http";
 
-const PATIENCE = 20000; // ms
+const PATIENCE = 60000; // ms
 
 /// The outcome of a promise, or an error with the complaint if that takes longer.
 export function inTime(promise, complaint, patience = PATIENCE) {

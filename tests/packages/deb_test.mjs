@@ -16,7 +16,7 @@ const wgetrc = path.join(mkdtempSync(path.join(tmpdir(), "svp-wget-")), "wgetrc"
 writeFileSync(wgetrc, "timeout = 30\ntries = 5\n");
 const quiet = {
   stdio: ["ignore", "pipe", "pipe"],
-  timeout: 250000,
+  timeout: 400000,
   env: { PATH: "/usr/sbin:/usr/bin:/sbin:/bin", DEBIAN_FRONTEND: "noninteractive", LC_ALL: "C.UTF-8", WGETRC: wgetrc },
 };
 const apt = ["apt-get", "-o", "Acquire::http::Timeout=30", "-o", "Acquire::Retries=5"];
@@ -54,7 +54,7 @@ function removeSystem() {
 function makeSystem(attempts = 2) {
   try {
     // Ends what it started with it, which time-outs of this side do not.
-    execFileSync("timeout", ["-k", "10", "200", "debootstrap", "--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
+    execFileSync("timeout", ["-k", "10", "300", "debootstrap", "--variant=minbase", "bookworm", system, "http://deb.debian.org/debian"], quiet);
   } catch (error) {
     console.error(`debootstrap: ${error.message}\n${error.stdout}`);
     if (attempts === 1) throw error;

@@ -136,9 +136,9 @@ test("Ctrl+C in its window stops the host", async () => {
     { ...bare, stdio: ["pipe", "ignore", "ignore"] });
   const ended = new Promise((resolve) => window.on("exit", resolve));
   let address = "";
-  for (let i = 0; i < 300 && !address; ++i) {
+  for (let i = 0; i < 600 && !address; ++i) {
     await new Promise((resolve) => setTimeout(resolve, 100));
-    address = existsSync(said) ? /^http:\S+/m.exec(readFileSync(said, "utf8"))?.[0] ?? "" : "";
+    address = existsSync(said) ? /^http:\S+(?=\r?\n)/m.exec(readFileSync(said, "utf8"))?.[0] ?? "" : "";
   }
   assert.ok(address, existsSync(said) ? readFileSync(said, "utf8") : "nothing was said");
   assert.equal((await fetchText(`${address}/`)).status, 200);

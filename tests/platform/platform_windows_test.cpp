@@ -39,16 +39,18 @@ class DebugMonitor
     }
     Q_DISABLE_COPY(DebugMonitor)
 
-    /// The next text of this process; empty when none comes.
+    /// The next text of this process; empty when none comes. Other tests' programs have theirs.
     std::string next() const
     {
-        if (WaitForSingleObject(m_isFilled, 5000) != WAIT_OBJECT_0)
-            return {};
-        DWORD process = 0;
-        std::memcpy(&process, m_view, sizeof process);
-        const std::string text(m_view + sizeof process);
-        SetEvent(m_isFree);
-        return process == GetCurrentProcessId() ? text : std::string();
+        while (WaitForSingleObject(m_isFilled, 60000) == WAIT_OBJECT_0) {
+            DWORD process = 0;
+            std::memcpy(&process, m_view, sizeof process);
+            std::string text(m_view + sizeof process);
+            SetEvent(m_isFree);
+            if (process == GetCurrentProcessId())
+                return text;
+        }
+        return {};
     }
 
   private:
@@ -109,7 +111,7 @@ TEST(PlatformWindows, AFileThatIsHeldForAMomentIsReplacedAfterwards)
     const DataFolder folder;
     const QString path = folder.path(QStringLiteral("cast.asvp"));
     writeBytes(path, "old");
-    auto held = std::make_unique<HeldFile>(path);
+    auto held = std::make_unique<FileHeldHere>(path);
     ASSERT_TRUE(held->isHeld());
     bool isReplaced = false;
     std::thread writer([&] { isReplaced = platform::replaceFile(path, "new"); });

@@ -1,5 +1,6 @@
 #include "tests/places.h"
 #include "tests/support/enginefixture.h"
+#include "tests/support/udpport.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -69,6 +70,8 @@ bool areEqual(const QJsonValue& left, const QJsonValue& right)
 TEST(ProtocolDocument, EveryExampleIsAnsweredAsItSays)
 {
     testlog::expectWarning(QStringLiteral("No tokens in database"));
+    QUdpSocket surveySystem; // that no other test's receiver gets what is sent
+    ASSERT_TRUE(bindPatiently(surveySystem, 14002));
     Engine engine;
     engine.folder.writeProfile(QStringLiteral("x.asvp"),
                                "( SoundVelocity 1.0 0 20261115123456 59.5 10.25 0 0 0 sample NA 2 "

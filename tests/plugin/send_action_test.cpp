@@ -1,5 +1,6 @@
 #include "tests/support/enginefixture.h"
 #include "tests/support/requests.h"
+#include "tests/support/udpport.h"
 
 #include <QDir>
 #include <QUdpSocket>
@@ -18,11 +19,11 @@ const QString faulty = QStringLiteral("Profile contains errors and will not be s
 class Receiver
 {
   public:
-    Receiver() { m_isBound = m_socket.bind(QHostAddress(QHostAddress::LocalHost), 14002); }
+    Receiver() : m_isBound(bindPatiently(m_socket, 14002)) {}
 
     bool isBound() const { return m_isBound; }
 
-    QByteArray next(int timeout = 2000)
+    QByteArray next(int timeout = 30000)
     {
         if (!m_socket.hasPendingDatagrams())
             m_socket.waitForReadyRead(timeout);

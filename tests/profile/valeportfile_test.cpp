@@ -3,6 +3,7 @@
 #include "tests/support/commalocale.h"
 #include "tests/support/printers.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <gtest/gtest.h>
 
@@ -247,9 +248,12 @@ TEST(ValeportFile, TheReplyHoldsTheTimeAsANumber)
 
 TEST(ValeportFile, WithoutATimeTheCurrentOneIsATextOfDigits)
 {
+    const QString form = QStringLiteral("yyyyMMddHHmmss");
+    const QString before = QDateTime::currentDateTimeUtc().toString(form);
     const QString time = reply(rows).value(QLatin1String("hsvp_filetime")).toString();
     EXPECT_EQ(time.size(), 14);
-    EXPECT_GE(time, QLatin1String("20260101000000"));
+    EXPECT_GE(time, before);
+    EXPECT_LE(time, QDateTime::currentDateTimeUtc().toString(form));
 }
 
 TEST(ValeportFile, ATimeThatIsNotUnderstoodIsTold)

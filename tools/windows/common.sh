@@ -7,4 +7,4 @@ export SVP_WINDOWS_CACHE
 # The folder for temporary files is one of the things by which wine's server is found.
 wine_server() { TMPDIR=$SVP_WINE/tmp WINEPREFIX=$SVP_WINE/prefix timeout "$1" /usr/lib/wine/wineserver64 "$2"; }
 # Waits until wine's services are down. Those that stay up are ended, with all Windows programs.
-wine_down() { wine_server 10 -w || { wine_server 10 -k || true; wine_server 10 -w; }; }
+wine_down() { wine_server 30 -w || { wine_server 30 -k || true; wine_server 30 -w; }; }

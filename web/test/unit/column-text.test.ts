@@ -111,5 +111,6 @@ test("long runs of blanks inside a field cost no more than their length", () => 
   const field = `1${" ".repeat(2_000_000)}1`;
   const begun = performance.now();
   assert.equal(numberIn(field), null);
-  assert.ok(performance.now() - begun < 1000);
+  // A few milliseconds; growing with its square it would take hours.
+  assert.ok(performance.now() - begun < 10_000);
 });

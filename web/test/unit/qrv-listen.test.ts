@@ -34,7 +34,7 @@ async function listen(...datagrams: Buffer[]): Promise<{ output: string; code: n
       if (!isFirst || !port) return;
       for (const datagram of datagrams) socket.send(datagram, Number(port), "127.0.0.1");
     });
-    const [code] = (await once(child, "close", { signal: AbortSignal.timeout(10_000) })) as [number | null];
+    const [code] = (await once(child, "close", { signal: AbortSignal.timeout(60_000) })) as [number | null];
     return { output, code };
   } finally {
     child.kill();
