@@ -8,7 +8,7 @@ import {
   type AtlasState,
   type Quantity,
 } from "./atlas";
-import { ask } from "./dialog";
+import { ask, onClosed } from "./dialog";
 import { button, dialogForm, make, setDisabled } from "./dom";
 import { formatSize } from "./format";
 import { baseName } from "./profile";
@@ -44,7 +44,8 @@ export class AtlasDialog {
 
   async show(): Promise<void> {
     if (this.dialog.open) return;
-    const turn = ++this.turn;
+    this.left();
+    const { turn } = this;
     this.state = null;
     this.use.checked = false;
     for (const quantity of QUANTITIES) this.setFile(quantity, "", []);
@@ -60,6 +61,12 @@ export class AtlasDialog {
     this.tell("");
     this.take(result.state);
     this.use.focus();
+  }
+
+  private left(): void {
+    this.turn += 1;
+    this.hand?.abort();
+    this.hand = null;
   }
 
   private build(): void {
@@ -85,11 +92,7 @@ export class AtlasDialog {
     const form = dialogForm("", () => void this.store(), title, text, make("div", "way", use, name),
       this.parts.salinity.element, this.parts.temperature.element, choices, status,
       make("div", "question-buttons", button("", "Cancel", () => dialog.close()), save));
-    dialog.addEventListener("close", () => {
-      this.turn += 1;
-      this.hand?.abort();
-      this.hand = null;
-    });
+    onClosed(dialog, () => this.left());
     dialog.append(form);
     document.body.append(dialog);
   }

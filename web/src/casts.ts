@@ -1,5 +1,5 @@
 /// The casts of the profile folder: fetched from the host, shown as a list of buttons.
-import { button, make } from "./dom";
+import { arrange, button, make } from "./dom";
 import { isOwnFile } from "./own-files";
 import { formatCount, formatMoment, formatSize, shownName } from "./format";
 
@@ -48,8 +48,15 @@ const NO_ANSWER =
   `the host has not answered within ${ANSWER_LIMIT_MS / 1000} seconds. ` +
   "Look whether it is still running, and start it again if it hangs; the page goes on trying.";
 
+interface CastItem {
+  element: HTMLElement;
+  /// Size and time of the file.
+  detail: HTMLElement;
+}
+
 export class CastList {
   private current = "";
+  private items = new Map<string, CastItem>();
   private names: readonly string[] = [];
   private shown = "";
 
@@ -68,7 +75,8 @@ export class CastList {
     this.shown = text;
     const focused = document.activeElement?.closest<HTMLElement>("[data-name]")?.dataset["name"];
     this.names = casts.map(({ name }) => name);
-    this.list.replaceChildren(...casts.map((cast) => this.item(cast)));
+    this.items = new Map(casts.map((cast) => [cast.name, this.itemOf(cast)]));
+    arrange(this.list, [...this.items.values()].map(({ element }) => element));
     const count = casts.length === 0 ? "No" : formatCount(casts.length);
     this.summary.textContent = `${count} ${casts.length === 1 ? "cast" : "casts"} in`;
     const path = make("bdi", "", folder || "the profile folder");
@@ -109,17 +117,22 @@ export class CastList {
     (this.button(this.current) ?? this.buttons()[0])?.focus();
   }
 
-  private item(cast: Cast): HTMLLIElement {
-    const entry = button("cast", "", () => this.open(cast.name));
-    entry.dataset["name"] = cast.name;
-    entry.title = shownName(cast.name);
+  /// What shows a cast; the same for a file that was listed before, which may be pressed just now.
+  private itemOf(cast: Cast): CastItem {
+    const item = this.items.get(cast.name) ?? this.item(cast.name);
     const changed = new Date(cast.modified);
     const when = Number.isNaN(changed.getTime()) ? "" : formatMoment(changed).slice(0, 16);
-    entry.append(
-      make("span", "cast-name", shownName(cast.name)),
-      make("span", "cast-detail", `${formatSize(cast.size)} · ${when}`),
-    );
-    return make("li", "", entry);
+    item.detail.textContent = `${formatSize(cast.size)} · ${when}`;
+    return item;
+  }
+
+  private item(name: string): CastItem {
+    const entry = button("cast", "", () => this.open(name));
+    entry.dataset["name"] = name;
+    entry.title = shownName(name);
+    const detail = make("span", "cast-detail");
+    entry.append(make("span", "cast-name", shownName(name)), detail);
+    return { element: make("li", "", entry), detail };
   }
 
   private buttons(): HTMLButtonElement[] {

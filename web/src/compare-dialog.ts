@@ -1,5 +1,6 @@
 /// The dialog in which the user chooses a cast to be laid under the open one.
 import type { Candidate, ComparedCasts } from "./compared-casts";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make } from "./dom";
 import { baseName, type Profile } from "./profile";
 
@@ -41,12 +42,13 @@ export class CompareDialog {
       event.preventDefault();
       void this.take();
     });
-    dialog.addEventListener("close", () => (this.turn += 1));
+    onClosed(dialog, () => this.left());
   }
 
   show(open: Profile): void {
     const { dialog, choice, confirm } = this;
     if (dialog.open) return;
+    this.left();
     this.open = open;
     this.candidates = this.comparison.candidates(open, this.listed());
     const option = (candidate: Candidate) => new Option(candidate.label, String(this.candidates.indexOf(candidate)));
@@ -66,6 +68,10 @@ export class CompareDialog {
     this.status.textContent = isEmpty ? "There is no other cast." : "";
     dialog.showModal();
     if (!isEmpty) choice.focus();
+  }
+
+  private left(): void {
+    this.turn += 1;
   }
 
   private async take(): Promise<void> {

@@ -60,33 +60,41 @@ export function ask(question: Question): Promise<Answer | null> {
   );
   const confirms = question.confirm === undefined ? [] : [make("button", "primary", question.confirm)];
   for (const confirm of confirms) confirm.type = "submit";
-  const cancel = button("", others.length + confirms.length > 0 ? "Cancel" : "Close", () => dialog.close());
+  const cancel = button("", others.length + confirms.length > 0 ? "Cancel" : "Close", () => end(null));
   const form = make("form", "", title, text, ...inputs.flatMap(({ parts }) => parts),
     make("div", "question-buttons", cancel, ...others, ...confirms));
-  form.method = "dialog";
   form.noValidate = true;
   dialog.append(form);
   document.body.append(dialog);
 
   heedTyped(dialog, () => inputs.some((input) => input.isTyped));
-  return new Promise((answered) => {
-    let answer: Answer | null = null;
-    form.addEventListener("submit", (event) => {
-      const wrong = inputs.filter((input) => !input.accepts());
-      if (wrong[0]) {
-        event.preventDefault();
-        chosen = "";
-        wrong[0].focus();
-      } else {
-        answer = Object.fromEntries(inputs.map(({ key, value }) => [key, value]));
-        if (chosen) answer = { ...answer, [CHOSEN]: chosen };
-      }
+  let answered: (answer: Answer | null) => void = () => undefined;
+  // At once: the browser tells that a dialog was closed with the next frame only, and a key that is
+  // pressed before that should meet what comes of the answer.
+  const end = (answer: Answer | null): void => {
+    dialog.close();
+    dialog.remove();
+    forgetTyped(dialog);
+    answered(answer);
+  };
+  form.addEventListener("submit", (event) => {
+    event.preventDefault();
+    const wrong = inputs.filter((input) => !input.accepts());
+    if (wrong[0]) {
+      chosen = "";
+      return wrong[0].focus();
+    }
+    const answer = Object.fromEntries(inputs.map(({ key, value }) => [key, value]));
+    end(chosen ? { ...answer, [CHOSEN]: chosen } : answer);
+  });
+  for (const left of ["cancel", "close"]) {
+    dialog.addEventListener(left, (event) => {
+      event.preventDefault();
+      end(null);
     });
-    dialog.addEventListener("close", () => {
-      dialog.remove();
-      forgetTyped(dialog);
-      answered(answer);
-    });
+  }
+  return new Promise((resolve) => {
+    answered = resolve;
     dialog.showModal();
     // Where there is nothing to fill in, a stray Enter must not say yes.
     if (inputs[0]) inputs[0].focus();
@@ -97,6 +105,15 @@ export function ask(question: Question): Promise<Answer | null> {
 /// Whether a dialog is open, this one or another: keys of the page rest meanwhile.
 export function isAsking(): boolean {
   return document.querySelector("dialog[open]") !== null;
+}
+
+/// Has `left` put away what a dialog held, once it is closed. The browser tells of that with the next
+/// frame only. Where the dialog is open again by then that is another use of it, before which `left` has
+/// to be called.
+export function onClosed(dialog: HTMLDialogElement, left: () => void): void {
+  dialog.addEventListener("close", () => {
+    if (!dialog.open) left();
+  });
 }
 
 /// The open dialog that the keyboard is in, or null where none is open.

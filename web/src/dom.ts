@@ -28,6 +28,18 @@ export function button(className: string, label: string, press: () => void): HTM
   return element;
 }
 
+/// Puts elements into a parent in this order, and takes all others out. Those that are there already stay
+/// where they are, if their order is the same: what is being pressed, or has the keyboard, keeps that.
+export function arrange(parent: Element, elements: readonly Element[]): void {
+  const wanted = new Set(elements);
+  for (const each of [...parent.children]) if (!wanted.has(each)) each.remove();
+  let at = parent.firstElementChild;
+  for (const each of elements) {
+    if (each === at) at = at.nextElementSibling;
+    else parent.insertBefore(each, at);
+  }
+}
+
 /// A new element of an SVG drawing.
 export function makeSvg<K extends keyof SVGElementTagNameMap>(
   tag: K,

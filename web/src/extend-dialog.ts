@@ -1,5 +1,6 @@
 /// The dialog in which the user says by what the open cast is continued.
 import { columnsOf, holdsConductivity } from "./columns";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make, setDisabled } from "./dom";
 import { extendFailedText, isAboutOrder } from "./extend-words";
 import type { ExtendWay, Extender, ExtensionFile } from "./extender";
@@ -72,6 +73,7 @@ export class ExtendDialog {
 
   show(profile: Profile): void {
     if (this.isOpen) return;
+    this.left();
     this.profile = profile;
     this.file = null;
     this.fileFacts.replaceChildren();
@@ -118,6 +120,11 @@ export class ExtendDialog {
     this.tell("");
   }
 
+  private left(): void {
+    this.turn += 1;
+    this.profile = null;
+  }
+
   private build(): void {
     const { dialog, status, picker, confirm } = this;
     const title = make("h2", "", "Extend to full ocean depth");
@@ -154,10 +161,7 @@ export class ExtendDialog {
     confirm.type = "submit";
     const form = dialogForm("", () => void this.extend(), title, text, ways, status,
       make("div", "question-buttons", this.checkButton, button("", "Cancel", () => dialog.close()), confirm));
-    dialog.addEventListener("close", () => {
-      this.turn += 1;
-      this.profile = null;
-    });
+    onClosed(dialog, () => this.left());
     dialog.append(form);
     document.body.append(dialog);
   }

@@ -2,6 +2,7 @@
 import { readAtlas } from "./atlas";
 import type { Comparison } from "./comparison";
 import { ComparisonView } from "./comparison-view";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make, setDisabled } from "./dom";
 import { fixFailedText, fixedLines, isAboutAtlas, isAboutLevels, largestText, unreadableText } from "./fix-words";
 import type { Fixed, FixedFile, Fixer } from "./fixer";
@@ -83,8 +84,8 @@ export class FixDialog {
 
   show(profile: Profile): void {
     if (this.dialog.open) return;
+    this.left();
     this.profile = profile;
-    this.after = null;
     this.ask();
     this.tolerance.value = this.tolerance.input.value || String(PROPOSED_TOLERANCE);
     this.rest(false);
@@ -115,14 +116,16 @@ export class FixDialog {
     confirm.type = "submit";
     const form = dialogForm("", () => void this.fix(), title, this.asking, this.result, status,
       make("div", "question-buttons", this.checkButton, this.atlasButton, this.surfaceButton, this.cancel, confirm, this.close));
-    dialog.addEventListener("close", () => {
-      this.turn += 1;
-      this.profile = null;
-      this.after = null;
-      this.comparison.show(null);
-    });
+    onClosed(dialog, () => this.left());
     dialog.append(form);
     document.body.append(dialog);
+  }
+
+  private left(): void {
+    this.turn += 1;
+    this.profile = null;
+    this.after = null;
+    this.comparison.show(null);
   }
 
   /// A button that leads from this dialog to something else.
@@ -201,7 +204,7 @@ export class FixDialog {
   /// Shows what an earlier fix has done. The cast may be another one by now: nothing is done to it here.
   private showAgain(result: Result): void {
     if (this.dialog.open) return;
-    this.after = null;
+    this.left();
     this.dialog.showModal();
     this.showResult(result);
   }

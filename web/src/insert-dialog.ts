@@ -1,6 +1,7 @@
 /// The dialog for a level at a depth that the user states: its other values are offered.
 import { listName, typedValue } from "./cell-values";
 import type { Column } from "./columns";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make } from "./dom";
 import { formatCount, formatValue } from "./format";
 import { offerFor, type Offer, type Values } from "./level-edits";
@@ -28,7 +29,7 @@ export class InsertDialog {
   /// `taken` gets the profile that the level was stated for.
   constructor(private readonly taken: (profile: Profile, level: TypedLevel) => void) {
     this.dialog.setAttribute("aria-labelledby", "insert-title");
-    this.dialog.addEventListener("close", () => (this.profile = null));
+    onClosed(this.dialog, () => (this.profile = null));
     heedTyped(this.dialog, () => this.typed.size > 0 || (this.fields.get("svp_Depth")?.input.value ?? "") !== "");
     document.body.append(this.dialog);
   }

@@ -1,5 +1,6 @@
 /// The dialog in which the user sends a ray through the open cast and another profile.
 import type { Asker } from "./asker";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make, makeSvg } from "./dom";
 import { Latest } from "./latest";
 import { NumberField } from "./number-field";
@@ -81,6 +82,7 @@ export class RayDialog {
 
   show(profile: Profile): void {
     if (this.dialog.open) return;
+    this.left();
     this.profile = profile;
     this.seen = this.events.beside(profile);
     this.choice.replaceChildren(
@@ -129,12 +131,14 @@ export class RayDialog {
       make("div", "panel-head", title),
       make("div", "thin-parts", form, make("div", "thin-main", this.legend, this.plot.element)),
     );
-    dialog.addEventListener("close", () => {
-      this.latest.clear();
-      this.profile = null;
-      this.plot.show(null, 0, { first: "", second: "" });
-    });
+    onClosed(dialog, () => this.left());
     document.body.append(dialog);
+  }
+
+  private left(): void {
+    this.latest.clear();
+    this.profile = null;
+    this.plot.show(null, 0, { first: "", second: "" });
   }
 
   private typed(): void {

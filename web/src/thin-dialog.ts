@@ -1,5 +1,6 @@
 /// The dialog in which the user tries how far the open cast can be thinned, and keeps what is good.
 import { columnsOf, plotQuantities } from "./columns";
+import { onClosed } from "./dialog";
 import { button, dialogForm, make, setDisabled } from "./dom";
 import { isAboutOrder, notWholeText, previewLines, thinFailedText } from "./extend-words";
 import { legend } from "./legend";
@@ -82,6 +83,7 @@ export class ThinDialog {
 
   show(profile: Profile): void {
     if (this.dialog.open) return;
+    this.left();
     this.profile = profile;
     this.tolerance.value = String(PROPOSED_TOLERANCE);
     this.slider.value = String(PROPOSED_TOLERANCE);
@@ -137,13 +139,15 @@ export class ThinDialog {
       make("div", "panel-head", title),
       make("div", "thin-parts", form, make("div", "thin-main", this.legend, this.plotPlace)),
     );
-    dialog.addEventListener("close", () => {
-      this.turn += 1;
-      this.profile = null;
-      this.plot = null;
-      this.plotPlace.replaceChildren();
-    });
+    onClosed(dialog, () => this.left());
     document.body.append(dialog);
+  }
+
+  private left(): void {
+    this.turn += 1;
+    this.profile = null;
+    this.plot = null;
+    this.plotPlace.replaceChildren();
   }
 
   private typed(): void {

@@ -8,6 +8,7 @@ const DATABASE = "svp-editor";
 const STORE = "unsaved";
 const STORED_AS = "svp-editor-page";
 const LOCK = "svp-editor-page:";
+const LOCK_PATIENCE_MS = 2000;
 
 /// Lists take an eighth of the time to store as plain doubles.
 interface Packed extends Omit<Profile, "lists"> {
@@ -87,14 +88,17 @@ export class UnsavedStore {
     await this.run("readwrite", (store) => store.delete(page)).catch(() => undefined);
   }
 
-  /// Writes what is wanted last; what came while another was written waits for that.
+  /// Writes what is wanted last: of what comes in one go all but the last is never written, and what
+  /// comes while another is written waits for that.
   private work(): void {
     if (this.busy || (!this.wanted && !this.isStored)) return;
-    const { wanted } = this;
-    this.isStored = wanted !== null;
-    const writing = this.ownName().then((page) =>
-      this.run("readwrite", (store) => (wanted ? store.put({ ...wanted, page }) : store.delete(page))),
-    );
+    let wanted: typeof this.wanted = null;
+    const writing = this.ownName().then((page) => {
+      ({ wanted } = this);
+      this.isStored = wanted !== null;
+      const entry = wanted && { ...wanted, page };
+      return this.run("readwrite", (store) => (entry ? store.put(entry) : store.delete(page)));
+    });
     this.busy = writing
       .then(() => undefined, (error: unknown) => this.tell(error))
       .then(() => {
@@ -151,15 +155,19 @@ async function ownName(): Promise<string> {
   return name;
 }
 
-/// Holds a name as long as this page is open. False when another page has it.
+/// Holds a name as long as this page is open. False when another page has it, and keeps it for longer
+/// than a page that is just being loaded again.
 async function isHeld(name: string): Promise<boolean> {
   // Only there where the page comes from this machine, or by way of TLS.
   if (!("locks" in navigator)) return true;
+  const patience = new AbortController();
+  setTimeout(() => patience.abort(), LOCK_PATIENCE_MS);
   return new Promise((resolve) => {
-    void navigator.locks.request(LOCK + name, { ifAvailable: true }, (lock) => {
-      resolve(lock !== null);
-      return lock === null ? undefined : new Promise<void>(() => undefined);
-    });
+    const hold = () => {
+      resolve(true);
+      return new Promise<void>(() => undefined);
+    };
+    navigator.locks.request(LOCK + name, { signal: patience.signal }, hold).catch(() => resolve(false));
   });
 }
 

@@ -85,6 +85,8 @@ async function lookAround(stage: Stage): Promise<Seen> {
       seen.found.push(...findings.map((each) => ({ ...each, state: name })));
     }
   });
+  // It goes on trying to connect, which the browser notes each time, also while other tests run.
+  await page.close();
   return seen;
 }
 

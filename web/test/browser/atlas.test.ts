@@ -18,6 +18,11 @@ const save = (page: Page) => atlasDialog(page).getByRole("button", { name: "Save
 
 async function openAtlas(page: Page): Promise<void> {
   await page.keyboard.press("a");
+  await settingsRead(page);
+}
+
+/// Waits until the settings are in the fields.
+async function settingsRead(page: Page): Promise<void> {
   await atlasDialog(page).locator("xpath=self::*[@aria-busy='false']").waitFor();
 }
 
@@ -71,7 +76,8 @@ describe("the atlas", () => {
     await fixDialog(page).getByRole("button", { name: "Fix", exact: true }).click();
     await fixDialog(page).getByText("has no data at the cast’s position, which may be on land.").waitFor();
     await fixDialog(page).getByRole("button", { name: "World Ocean Atlas…" }).click();
-    await atlasDialog(page).waitFor();
+    // Until then the box is not ticked, and to untick it would do nothing.
+    await settingsRead(page);
     await use(page).uncheck();
     await save(page).click();
     await told(page, "The World Ocean Atlas is switched off.").waitFor();
@@ -86,6 +92,10 @@ describe("the atlas", () => {
     await handIn(page, "salinity", "cast.csv", "Depth,Speed\n0,1500\n10,1501\n");
     await atlasDialog(page).getByText("cast.csv does not look like a file of the atlas").waitFor();
     stage.expectTrouble(/422/);
+    // What was received of it goes once the host has answered.
+    for (let waited = 0; waited < 5000 && (await readdir(folder())).length > before.length; waited += 20) {
+      await page.waitForTimeout(20);
+    }
     assert.deepEqual(await readdir(folder()), before);
     // One that is there is replaced only with consent.
     await handIn(page, "salinity", "t.csv", SALINITY);

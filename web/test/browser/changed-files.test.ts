@@ -29,10 +29,16 @@ describe("files that change on disk", () => {
   const opened = async (page: Page): Promise<void> => {
     await stage.host.writeCast("a.asvp", seaLevels([0, 100, 300]));
     await refresh(page);
+    const before = await page.evaluate(() => performance.now());
     await openCast(page, "a.asvp");
-    // What the list says of the file has come to the page once it is quiet.
-    await page.waitForLoadState("networkidle");
-    await page.waitForTimeout(100);
+    // The list that is read once the cast is drawn says what the file was like then.
+    await page.waitForFunction((time) => {
+      const drawn = performance.getEntriesByName("cast drawn").find(({ startTime }) => startTime > time);
+      const lists = performance.getEntriesByType("resource").filter(({ name }) => name.includes("api/casts"));
+      return drawn && lists.some(({ startTime }) => startTime > drawn.startTime);
+    }, before);
+    // What was asked for later has come later.
+    await page.evaluate(() => fetch("api/casts", { cache: "no-store" }).then((answer) => answer.text()));
   };
 
   test("“Open it” brings the file as it is then, and not as it was when it was offered", async () => {

@@ -39,3 +39,9 @@ export async function stored(page: Page, count: number): Promise<void> {
     count,
   );
 }
+
+/// Waits until the browser knows that no other page of this one's storage is open. What such a page has
+/// left is offered then, and not before.
+export async function alone(page: Page): Promise<void> {
+  await page.waitForFunction(async () => (await navigator.locks.query()).held?.length === 1);
+}

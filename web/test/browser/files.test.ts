@@ -36,7 +36,8 @@ describe("files of the user's", () => {
     await page.locator('[data-name="picked.asvp"][aria-current=true]').waitFor();
     assert.deepEqual(await onDisk("picked.asvp"), file.buffer);
     assert.ok(await page.locator("#upload-progress").isHidden());
-    assert.equal(await page.locator("#doing").textContent(), "");
+    // A list that takes long is told of there until it has come.
+    await page.waitForFunction(() => document.getElementById("doing")?.textContent === "");
     assert.equal(await page.locator(".message").count(), 1, "nothing is offered that is open already");
   });
 
@@ -149,6 +150,7 @@ describe("files of the user's", () => {
     await stage.host.stop();
     await pick(page, asvp("late.asvp", 3));
     await failed(page, "late.asvp (2").or(failed(page, "late.asvp (1")).first().waitFor();
+    await page.locator("#connection[data-state=lost]").waitFor();
     await stage.host.startAgain();
     await page.locator("#connection[data-state=open]").waitFor();
     await pick(page, asvp("late.asvp", 3));

@@ -4,8 +4,9 @@ import { describe, test } from "node:test";
 import type { Page } from "playwright-core";
 import { edit, stored, unsaved } from "./editing-parts";
 import { drag, held } from "./handing";
-import { levels, undo } from "./reshape-parts";
-import { Stage, connected, failed, openCast, picture, seaLevels, shown, told } from "./stage";
+import { atlasDialog, fixed, rayDialog } from "./repair-parts";
+import { levels, thinDialog, undo } from "./reshape-parts";
+import { Stage, aFrame, connected, failed, openCast, picture, seaLevels, shown, told } from "./stage";
 
 const title = (page: Page) => page.locator("#cast-title").textContent();
 const insertDialog = (page: Page) => page.getByRole("dialog", { name: "Insert a level" });
@@ -18,6 +19,7 @@ describe("open dialogs", () => {
   const stage = new Stage(async (host) => {
     await host.writeCast("a.asvp", seaLevels([0, 100, 300]));
     await host.writeCast("b.asvp", seaLevels([0, 100, 250, 300]));
+    await host.writeCast("long.asvp", seaLevels([0, 10, 50, 100, 200, 300, 500, 1000]));
   });
 
   /// Asks for b.asvp while the host is gone: it comes as soon as that is back.
@@ -103,6 +105,56 @@ describe("open dialogs", () => {
     await closing(page).getByRole("button", { name: "Close" }).click();
     await headerDialog(page).waitFor({ state: "hidden" });
     assert.ok(await undo(page).isHidden());
+  });
+
+  /// Presses a key that opens a dialog, closes that, and presses the key again, all before the browser
+  /// tells that it was closed; then waits until it has.
+  async function reopen(page: Page, key: string): Promise<void> {
+    await page.evaluate(async (pressed) => {
+      const press = () => document.body.dispatchEvent(new KeyboardEvent("keydown", { key: pressed, bubbles: true }));
+      press();
+      await new Promise((done) => requestAnimationFrame(() => setTimeout(done)));
+      document.querySelector<HTMLDialogElement>("dialog[open]")?.close();
+      press();
+    }, key);
+    await aFrame(page);
+  }
+
+  test("a dialog that is opened again at once is as good as one opened later", async () => {
+    const page = await stage.page();
+    await openCast(page, "long.asvp");
+    await reopen(page, "a");
+    await atlasDialog(page).locator("xpath=self::*[@aria-busy='false']").waitFor();
+    await atlasDialog(page).getByRole("button", { name: "Cancel" }).click();
+    await reopen(page, "h");
+    await thinDialog(page).locator(".trace path").first().waitFor({ state: "attached" });
+    await thinDialog(page).getByRole("button", { name: "Discard" }).click();
+    await reopen(page, "y");
+    await rayDialog(page).getByRole("textbox", { name: "Angle below the horizontal, °" }).fill("30");
+    await rayDialog(page).locator(".ray-plot .chart-line path").first().waitFor({ state: "attached" });
+    await page.keyboard.press("Escape");
+    await reopen(page, "e");
+    await page.keyboard.press("Enter");
+    await told(page, "long.asvp extended").waitFor();
+    await reopen(page, "x");
+    await page.keyboard.press("Enter");
+    await fixed(page, "long.asvp");
+  });
+
+  test("a key that follows an answer at once meets what came of it", async () => {
+    const page = await stage.page();
+    await openCast(page, "a.asvp");
+    await page.keyboard.press("Control+s");
+    const question = page.getByRole("dialog", { name: "Replace a.asvp?" });
+    await question.waitFor();
+    await page.evaluate(() => {
+      document.querySelector("dialog[open]")?.dispatchEvent(new Event("cancel", { cancelable: true }));
+    });
+    assert.equal(await question.count(), 0);
+    await page.keyboard.press("Control+s");
+    await question.waitFor();
+    await page.keyboard.press("Escape");
+    assert.equal(await told(page, "The command before is still waiting").count(), 0);
   });
 
   test("leaving the page is announced while a dialog holds what was typed", async () => {

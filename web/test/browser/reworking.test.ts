@@ -1,7 +1,8 @@
 /// A cast brought into shape as a whole; unsaved edits over a reload.
 import assert from "node:assert/strict";
 import { describe, test } from "node:test";
-import { cell, edit, goTo, stored, unsaved } from "./editing-parts";
+import type { Page } from "playwright-core";
+import { alone, cell, edit, goTo, stored, unsaved } from "./editing-parts";
 import { levels } from "./reshape-parts";
 import { Stage, openCast, picture, shown, told } from "./stage";
 
@@ -101,6 +102,57 @@ describe("reworking a cast", () => {
     await page.context().close();
   });
 
+  /// Loads the page again; leaving is announced, and the test agrees.
+  async function again(page: Page): Promise<void> {
+    page.once("dialog", (dialog) => void dialog.accept());
+    await page.reload();
+    await told(page, "The edits of low.asvp that were not saved are back, as of").waitFor();
+  }
+
+  test("edits that come back are kept in the browser all the while", async () => {
+    const page = await stage.newPage({
+      before: () => {
+        const plain = IDBObjectStore.prototype.delete;
+        Object.assign(window, { deleted: 0 });
+        IDBObjectStore.prototype.delete = function (...given) {
+          (window as unknown as { deleted: number }).deleted += 1;
+          return plain.apply(this, given);
+        };
+      },
+    });
+    const deleted = () => page.evaluate(() => (window as unknown as { deleted: number }).deleted);
+    await openCast(page, "low.asvp");
+    await page.getByRole("button", { name: "Add 0 m level" }).click();
+    await stored(page, 1);
+    await again(page);
+    await stored(page, 1);
+    assert.equal(await deleted(), 0);
+    await told(page, "are back").getByRole("button", { name: "Discard", exact: true }).click();
+    await stored(page, 0);
+    assert.equal(await deleted(), 1);
+    await page.context().close();
+  });
+
+  test("edits come back though the browser is late to let go of the page that had them", async () => {
+    const page = await stage.page();
+    const late = await stage.newPage({ context: page.context() });
+    await openCast(page, "low.asvp");
+    await page.getByRole("button", { name: "Add 0 m level" }).click();
+    await stored(page, 1);
+    const name = await page.evaluate(() => sessionStorage.getItem("svp-editor-page"));
+    // Has the page's lock until the page that is loaded asks for it.
+    await late.evaluate((lock) => new Promise<void>((held) => {
+      void navigator.locks.request(lock, { steal: true }, async () => {
+        held();
+        const isAskedFor = async () => (await navigator.locks.query()).pending?.some((each) => each.name === lock);
+        while (!(await isAskedFor())) await new Promise((done) => setTimeout(done, 5));
+      });
+    }), `svp-editor-page:${name}`);
+    await again(page);
+    assert.deepEqual((await levels(page)).depths, [0, 2.5, 10, 20]);
+    await late.close();
+  });
+
   test("edits that a closed page has left are offered; those of an open one are not", async () => {
     const page = await stage.page();
     const other = await stage.newPage({ context: page.context() });
@@ -112,6 +164,7 @@ describe("reworking a cast", () => {
     assert.equal(await third.locator("#messages").isHidden(), true);
     await third.close();
     await other.close({ runBeforeUnload: false });
+    await alone(page);
     await page.reload();
     const offer = told(page, "There are edits of low.asvp that were not saved, of");
     await offer.waitFor();

@@ -102,6 +102,8 @@ describe("pages and connection", () => {
     await shown(page, "theirs.asvp");
     const told = page.getByRole("status").filter({ hasText: "is back" });
     await told.waitFor();
+    // A list that the host has not come to give is told of until it is there.
+    await page.getByRole("alert").waitFor({ state: "detached" });
     assert.equal(await page.getByRole("alert").count(), 0, "one message tells of loss and return");
     await told.getByRole("button", { name: /^Dismiss/ }).click();
     await check(page);

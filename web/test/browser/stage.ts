@@ -177,6 +177,11 @@ export async function check(page: Page): Promise<void> {
 /// Waits until no dialog is open, and what was waiting for its answer has it.
 export async function closed(page: Page): Promise<void> {
   await page.waitForFunction(() => !document.querySelector("dialog[open]"));
+  await aFrame(page);
+}
+
+/// Waits until what the page does with its next frame is done.
+export async function aFrame(page: Page): Promise<void> {
   await page.evaluate(() => new Promise((done) => requestAnimationFrame(() => setTimeout(done))));
 }
 

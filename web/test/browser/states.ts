@@ -8,7 +8,7 @@ import { held, pick } from "./handing";
 import type { Host } from "./host";
 import { FAULTY } from "./repair-parts";
 import { PROBE } from "./reshape-parts";
-import { check, closed, failed, openCast, seaLevels, told, type Stage } from "./stage";
+import { check, closed, connected, failed, openCast, seaLevels, told, type Stage } from "./stage";
 
 export interface State {
   name: string;
@@ -147,6 +147,7 @@ class Walk {
     await this.dialog("leaving");
     await this.shut();
     await page.reload();
+    await connected(page);
     await told(page, "are back").waitFor();
     await this.main("edits brought back");
     await page.getByRole("button", { name: "Discard" }).click();

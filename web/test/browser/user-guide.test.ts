@@ -6,7 +6,7 @@ import { readFile, writeFile } from "node:fs/promises";
 import { basename, join, resolve } from "node:path";
 import { before, describe, test } from "node:test";
 import type { Page } from "playwright-core";
-import { edit, goTo, stored, unsaved } from "./editing-parts";
+import { alone, edit, goTo, stored, unsaved } from "./editing-parts";
 import { EARLIER, FAILED_AT, GUIDE, IMAGES, LOGGER_FILE, PROBE_FILE, Seen, UPDATES, WRONG_AT, WRONG_BY, guideOf, keyTable, picture, summer } from "./guide-parts";
 import { held, pick } from "./handing";
 import { atlasDialog, fixDialog, fixed, rayDialog } from "./repair-parts";
@@ -283,6 +283,7 @@ describe("user guide", () => {
     await edit(other, "Sort by depth");
     await stored(other, 1);
     await other.close({ runBeforeUnload: false });
+    await alone(page);
     await page.reload();
     await connected(page);
     await told(page, "There are edits of needs-repair.asvp that were not saved").waitFor();
