@@ -5,6 +5,7 @@
 
 #include <QJsonDocument>
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
@@ -165,6 +166,18 @@ bool RawClient::isClosedWithin(int milliseconds)
         },
         std::chrono::milliseconds(milliseconds));
     return m_connection->lastError != Error(beast::error::timeout);
+}
+
+bool canListenAt(const char* address)
+{
+    net::io_context io;
+    net::ip::tcp::acceptor acceptor(io);
+    const net::ip::tcp::endpoint place = at(address, 0);
+    Error error;
+    acceptor.open(place.protocol(), error);
+    if (!error)
+        acceptor.bind(place, error);
+    return !error;
 }
 
 Reply request(unsigned short port, std::string_view bytes, bool toHead)

@@ -65,6 +65,9 @@ class RawClient
     std::unique_ptr<Connection> m_connection;
 };
 
+/// Whether this machine lets a program listen at an address.
+bool canListenAt(const char* address);
+
 /// Sends one request on a connection of its own.
 Reply request(unsigned short port, std::string_view bytes, bool toHead = false);
 

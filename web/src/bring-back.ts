@@ -17,7 +17,7 @@ export interface BringBackMeans {
 /// What was not saved when this page was loaded again comes back; what a page has left that is no
 /// longer open is offered.
 export async function bringBack(
-  store: Pick<UnsavedStore, "left" | "forget">,
+  store: Pick<UnsavedStore, "left" | "forget" | "putAside">,
   messages: Pick<Messages, "add">,
   means: BringBackMeans,
 ): Promise<void> {
@@ -36,7 +36,9 @@ export async function bringBack(
       restore(left);
       continue;
     }
-    const forget = () => void (left.isOwn || store.forget(left.page));
+    // Where they cannot be put aside, they are lost only with the page.
+    const page = left.isOwn ? await store.putAside(left).catch(() => left.page) : left.page;
+    const forget = () => void store.forget(page);
     messages.add({
       kind: "notice",
       key: `left:${left.page}`,

@@ -59,6 +59,9 @@ export class CastList {
   private items = new Map<string, CastItem>();
   private names: readonly string[] = [];
   private shown = "";
+  private isPressed = false;
+  /// A list that came while an entry was pressed.
+  private later: CastFolder | null = null;
 
   constructor(
     private readonly list: HTMLElement,
@@ -66,15 +69,25 @@ export class CastList {
     private readonly open: (name: string) => void,
   ) {
     list.addEventListener("keydown", (event) => this.move(event));
+    list.addEventListener("pointerdown", ({ button: which }) => {
+      if (which === 0) this.isPressed = true;
+    });
+    for (const end of ["pointerup", "pointercancel", "blur"]) addEventListener(end, () => this.released());
   }
 
-  show({ folder, casts }: CastFolder): void {
+  show(read: CastFolder): void {
+    const { folder, casts } = read;
+    this.names = casts.map(({ name }) => name);
+    // What is pressed must not move away before the press ends.
+    if (this.isPressed) {
+      this.later = read;
+      return;
+    }
     // It is read far more often than it changes.
     const text = JSON.stringify([folder, casts]);
     if (text === this.shown) return;
     this.shown = text;
     const focused = document.activeElement?.closest<HTMLElement>("[data-name]")?.dataset["name"];
-    this.names = casts.map(({ name }) => name);
     this.items = new Map(casts.map((cast) => [cast.name, this.itemOf(cast)]));
     arrange(this.list, [...this.items.values()].map(({ element }) => element));
     const count = casts.length === 0 ? "No" : formatCount(casts.length);
@@ -85,7 +98,8 @@ export class CastList {
     place.title = folder;
     this.summary.append(" ", place);
     this.mark(this.current);
-    if (focused !== undefined) (this.button(focused) ?? this.buttons().find(({ tabIndex }) => tabIndex === 0))?.focus();
+    const keeps = document.activeElement?.closest("[data-name]");
+    if (focused !== undefined && !keeps) (this.button(focused) ?? this.buttons().find(({ tabIndex }) => tabIndex === 0))?.focus();
   }
 
   /// Names of all casts in the list.
@@ -115,6 +129,17 @@ export class CastList {
 
   focus(): void {
     (this.button(this.current) ?? this.buttons()[0])?.focus();
+  }
+
+  private released(): void {
+    if (!this.isPressed) return;
+    // The click comes first.
+    setTimeout(() => {
+      this.isPressed = false;
+      const { later } = this;
+      this.later = null;
+      if (later) this.show(later);
+    });
   }
 
   /// What shows a cast; the same for a file that was listed before, which may be pressed just now.

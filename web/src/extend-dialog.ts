@@ -91,6 +91,7 @@ export class ExtendDialog {
   /// Takes a file that was picked or dropped.
   async take(file: PickedFile): Promise<void> {
     const turn = ++this.turn;
+    this.rest(false);
     this.choose("file");
     this.tell("");
     this.file = null;

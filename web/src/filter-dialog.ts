@@ -149,12 +149,17 @@ export class FilterDialog {
       this.close();
     });
     dialog.addEventListener("cancel", (event) => {
+      // A file that was not chosen after all is told of in this way too.
+      if (event.target !== dialog) return;
       event.preventDefault();
       this.close();
     });
     heedTyped(dialog, () => this.isChanged);
-    this.form.element.addEventListener("keydown", ({ key, target }) => {
-      if (key === "Enter" && target instanceof HTMLInputElement) void this.save();
+    this.form.element.addEventListener("keydown", (event) => {
+      if (event.key !== "Enter" || !(event.target instanceof HTMLInputElement)) return;
+      // It would press a button of the question that may come of it.
+      event.preventDefault();
+      void this.save();
     });
     document.body.append(dialog);
   }

@@ -152,20 +152,22 @@ export class FixDialog {
     if (!open || this.after || this.confirm.disabled) return;
     const tolerance = this.tolerance.take();
     if (tolerance === null) return this.tolerance.focus();
+    // Asked for once more, or left, meanwhile: this one ends.
+    const turn = ++this.turn;
+    const isOver = () => turn !== this.turn;
     const kinded = await this.events.writable(open);
-    if (!kinded || open !== this.profile) return;
+    if (!kinded || isOver()) return;
     const older = await this.events.listed(fixedName(kinded));
-    if (older && !(await mayReplace(older))) return;
+    if (isOver() || (older && !(await mayReplace(older))) || isOver()) return;
     const profile = await this.events.stated(open);
-    if (!profile || open !== this.profile) return;
+    if (!profile || isOver()) return;
     // What was stated is part of the cast now, whatever comes of the fix.
     this.profile = profile;
     const sent = underKindOf(profile, kinded);
-    const turn = ++this.turn;
     this.rest(true);
     this.tell("Fixing…");
     const outcome = await this.fixer.fix(sent, tolerance, occasionIn(sent), (file) => this.events.written(profile, file));
-    const isLeft = turn !== this.turn;
+    const isLeft = isOver();
     if (!isLeft) this.rest(false);
     if ("reason" in outcome) {
       if (!isLeft) this.fail(profile, outcome.reason);
@@ -205,6 +207,7 @@ export class FixDialog {
   private showAgain(result: Result): void {
     if (this.dialog.open) return;
     this.left();
+    this.rest(false);
     this.dialog.showModal();
     this.showResult(result);
   }

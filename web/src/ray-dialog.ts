@@ -138,6 +138,7 @@ export class RayDialog {
   private left(): void {
     this.latest.clear();
     this.profile = null;
+    this.asked = null;
     this.plot.show(null, 0, { first: "", second: "" });
   }
 

@@ -196,13 +196,16 @@ export class ThinDialog {
 
   private async keep(): Promise<void> {
     const { profile: open, previewed } = this;
-    if (!open || !previewed) return;
+    if (!open || !previewed || this.keepButton.disabled) return;
+    // Asked for once more, or left, meanwhile: this one ends.
+    const turn = ++this.turn;
+    const isOver = () => turn !== this.turn || previewed !== this.previewed;
     const kinded = await this.events.writable(open);
-    if (!kinded) return;
+    if (!kinded || isOver()) return;
     const older = await this.events.listed(thinnedName(open.filename, thinKind(kinded)));
-    if (older && !(await mayReplace(older))) return;
+    if (isOver() || (older && !(await mayReplace(older))) || isOver()) return;
     const profile = await this.events.stated(open);
-    if (!profile || open !== this.profile || previewed !== this.previewed) return;
+    if (!profile || isOver()) return;
     // What was stated is part of the cast now, whatever comes of the thinning.
     this.profile = profile;
     const sent = underKindOf(profile, kinded);

@@ -83,6 +83,16 @@ export class UnsavedStore {
     this.work();
   }
 
+  /// Puts edits of this page aside, as those of a page that is no longer open: what is kept from now on
+  /// takes their place otherwise. Gives the name of that page.
+  async putAside({ at, inFile, edited, file, stamp }: Unsaved): Promise<string> {
+    const page = newName();
+    const entry: Entry = { page, at: at.getTime(), inFile: packed(inFile), edited: packed(edited), file, stamp };
+    await this.run("readwrite", (store) => store.put(entry));
+    this.work();
+    return page;
+  }
+
   /// Forgets what another page has left.
   async forget(page: string): Promise<void> {
     await this.run("readwrite", (store) => store.delete(page)).catch(() => undefined);
@@ -92,7 +102,7 @@ export class UnsavedStore {
   /// comes while another is written waits for that.
   private work(): void {
     if (this.busy || (!this.wanted && !this.isStored)) return;
-    let wanted: typeof this.wanted = null;
+    let { wanted } = this;
     const writing = this.ownName().then((page) => {
       ({ wanted } = this);
       this.isStored = wanted !== null;
@@ -148,11 +158,15 @@ function opened(): Promise<IDBDatabase> {
 async function ownName(): Promise<string> {
   let name = sessionStorage.getItem(STORED_AS);
   if (!name || !(await isHeld(name))) {
-    name = Array.from(crypto.getRandomValues(new Uint32Array(3)), (each) => each.toString(36)).join("");
+    name = newName();
     sessionStorage.setItem(STORED_AS, name);
     await isHeld(name);
   }
   return name;
+}
+
+function newName(): string {
+  return Array.from(crypto.getRandomValues(new Uint32Array(3)), (each) => each.toString(36)).join("");
 }
 
 /// Holds a name as long as this page is open. False when another page has it, and keeps it for longer

@@ -48,6 +48,31 @@ describe("import filters", () => {
     assert.deepEqual(await listed(page), ["lab"]);
   });
 
+  test("Enter asks before another filter is replaced, and does not answer by itself", async () => {
+    await write(row("one"));
+    const page = await stage.page();
+    await openFilters(page);
+    await press(page, "New filter");
+    await fill(page, { Name: "one", Suffix: ".one", Depth: "0", "Sound speed": "2" });
+    await field(page, "Name").press("Enter");
+    const question = page.getByRole("dialog", { name: /^Replace/ });
+    await question.getByRole("button", { name: "Replace" }).click();
+    await status(page, "Filter one saved.");
+    assert.deepEqual(await listed(page), ["one"]);
+  });
+
+  test("a file that is not chosen after all leaves the dialog as it is", async () => {
+    const page = await stage.page();
+    await openFilters(page);
+    await fill(page, { Name: "typed" });
+    // As the browser tells of it.
+    await dialogOf(page).locator("input[type=file]").evaluate((picker) => picker.dispatchEvent(new Event("cancel", { bubbles: true })));
+    assert.equal(await page.locator("dialog[open]").count(), 1);
+    assert.equal(await field(page, "Name").inputValue(), "typed");
+    await page.keyboard.press("Escape");
+    await page.getByRole("button", { name: "Leave", exact: true }).click();
+  });
+
   test("a filter is changed in its place, whatever of it is changed", async () => {
     await write(row("one"), row("two"), row("three"));
     const page = await stage.page();

@@ -3,10 +3,11 @@ import assert from "node:assert/strict";
 import { readFile, readdir, writeFile } from "node:fs/promises";
 import { join } from "node:path";
 import { describe, test } from "node:test";
+import type { Route } from "playwright-core";
 import { fix, fixDialog, fixed, FAULTY } from "./repair-parts";
 import type { FileLevel } from "./host";
 import { PROBE, STRAIGHT, fileLevels, levels, undo } from "./reshape-parts";
-import { Stage, assertInside, openCast, picture, shown, told } from "./stage";
+import { Stage, aFrame, assertInside, openCast, picture, shown, told } from "./stage";
 
 /// Around a straight line by up to 3 m/s, which thinning at its coarsest does not follow throughout.
 const WAVY: FileLevel[] = Array.from({ length: 241 }, (_, i) => [String(i * 50), (1500 + i / 2 + 3 * Math.sin(i / 7)).toFixed(2)]);
@@ -105,6 +106,35 @@ describe("fixing", () => {
     await question.getByRole("button", { name: "Replace" }).click();
     await fixed(page, "faulty.asvp");
     assert.equal(await onDisk("faulty_fixed.asvp"), whole);
+  });
+
+  test("a fix that is asked for twice, or left, while the list is read asks and fixes no more than once", async () => {
+    const page = await stage.page();
+    await openCast(page, "faulty.asvp");
+    const question = page.getByRole("dialog", { name: "Replace faulty_fixed.asvp?" });
+    const held: Route[] = [];
+    await page.route(/api\/casts/, (route) => void held.push(route));
+    const goOn = async (count: number) => {
+      while (held.length < count) await page.waitForTimeout(10);
+      const listed = page.waitForResponse(/api\/casts/);
+      for (const route of held.splice(0)) await route.continue();
+      await (await listed).finished();
+      await aFrame(page);
+    };
+    await fix(page);
+    await page.keyboard.press("Escape");
+    await goOn(1);
+    assert.equal(await question.count(), 0, "nothing is asked for what was left");
+    await page.keyboard.press("x");
+    await page.keyboard.press("Enter");
+    await page.keyboard.press("Enter");
+    await goOn(2);
+    await question.waitFor();
+    await aFrame(page);
+    assert.equal(await question.count(), 1);
+    await page.unroute(/api\/casts/);
+    await question.getByRole("button", { name: "Replace" }).click();
+    await fixed(page, "faulty.asvp");
   });
 
   test("a level at the surface is added at a press, where there is none", async () => {

@@ -3,10 +3,18 @@ import assert from "node:assert/strict";
 import { readFile, readdir } from "node:fs/promises";
 import { join } from "node:path";
 import { describe, test } from "node:test";
+import type { Page } from "playwright-core";
 import { held, pick } from "./handing";
-import { Stage, failed, openCast, seaLevels, shown } from "./stage";
+import { Stage, aFrame, failed, openCast, seaLevels, shown } from "./stage";
 
 const DEPTHS = [0, 1, 2.5, 5, 10, 20, 30.25, 50, 75, 100, 150, 200];
+
+/// Waits until a page that was loaded has read the list twice, as it does when it is connected: what comes
+/// after that is in neither.
+async function listsRead(page: Page): Promise<void> {
+  await page.waitForFunction(() =>
+    performance.getEntriesByType("resource").filter(({ name }) => name.includes("api/casts")).length >= 2);
+}
 
 describe("opening a cast", () => {
   const stage = new Stage(async (host) => {
@@ -32,9 +40,7 @@ describe("opening a cast", () => {
 
   test("Refresh finds a cast that came since", async () => {
     const page = await stage.page();
-    // A page reads the list twice when it is connected; what comes after that is in neither.
-    await page.waitForFunction(() =>
-      performance.getEntriesByType("resource").filter(({ name }) => name.includes("api/casts")).length >= 2);
+    await listsRead(page);
     await stage.host.writeCast("later.asvp", seaLevels([0, 5, 10]));
     assert.equal(await page.locator('[data-name="later.asvp"]').count(), 0);
     await page.getByRole("button", { name: "Refresh" }).click();
@@ -133,17 +139,21 @@ describe("opening a cast", () => {
 
   test("a press on a cast counts though the list changes before it ends", async () => {
     const page = await stage.page();
-    const target = page.locator('[data-name="tide.asvp"]');
+    await listsRead(page);
+    const target = page.locator('[data-name="needs-repair.asvp"]');
     await target.hover();
     await page.mouse.down();
-    await stage.host.writeCast("zz.asvp", seaLevels([0, 10]));
+    await stage.host.writeCast("aa.asvp", seaLevels([0, 10]));
+    const listed = page.waitForResponse(/api\/casts/);
     await page.keyboard.press("r");
-    await page.locator('[data-name="zz.asvp"]').waitFor();
+    await (await listed).finished();
+    await aFrame(page);
     await page.mouse.up();
-    await shown(page, "tide.asvp");
-    await stage.host.removeCast("zz.asvp");
+    await shown(page, "needs-repair.asvp");
+    await page.locator('[data-name="aa.asvp"]').waitFor();
+    await stage.host.removeCast("aa.asvp");
     await page.keyboard.press("r");
-    await page.locator('[data-name="zz.asvp"]').waitFor({ state: "detached" });
+    await page.locator('[data-name="aa.asvp"]').waitFor({ state: "detached" });
     assert.equal(await target.getAttribute("aria-current"), "true");
   });
 

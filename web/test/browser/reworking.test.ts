@@ -4,7 +4,7 @@ import { describe, test } from "node:test";
 import type { Page } from "playwright-core";
 import { alone, cell, edit, goTo, stored, unsaved } from "./editing-parts";
 import { levels } from "./reshape-parts";
-import { Stage, openCast, picture, shown, told } from "./stage";
+import { Stage, failed, openCast, picture, shown, told } from "./stage";
 
 describe("reworking a cast", () => {
   const stage = new Stage(async (host) => {
@@ -130,6 +130,59 @@ describe("reworking a cast", () => {
     await told(page, "are back").getByRole("button", { name: "Discard", exact: true }).click();
     await stored(page, 0);
     assert.equal(await deleted(), 1);
+    await page.context().close();
+  });
+
+  test("edits of a cast go on where the browser keeps nothing, and that is told once", async () => {
+    const page = await stage.newPage({
+      before: () => Object.defineProperty(window, "sessionStorage", {
+        get: () => {
+          throw new DOMException("It was refused.", "SecurityError");
+        },
+      }),
+    });
+    await openCast(page, "low.asvp");
+    await page.getByRole("button", { name: "Add 0 m level" }).click();
+    await failed(page, "This browser cannot keep unsaved edits over a reload.").waitFor();
+    await page.keyboard.press("Control+z");
+    await page.keyboard.press("Control+y");
+    assert.deepEqual((await levels(page)).depths, [0, 2.5, 10, 20]);
+    assert.equal(await page.locator(".message-count").count(), 0);
+    await page.context().close();
+  });
+
+  test("edits that are offered beside another cast stay until the offer is answered", async () => {
+    const page = await stage.newPage({
+      before: () => {
+        if (!sessionStorage.getItem("is-late")) return;
+        const plain = navigator.locks.query.bind(navigator.locks);
+        const asked = new Promise((go) => Object.assign(window, { go }));
+        navigator.locks.query = () => asked.then(plain);
+      },
+    });
+    await openCast(page, "low.asvp");
+    await page.getByRole("button", { name: "Add 0 m level" }).click();
+    await stored(page, 1);
+    await page.evaluate(() => sessionStorage.setItem("is-late", "yes"));
+    page.once("dialog", (dialog) => void dialog.accept());
+    await page.reload();
+    // A cast is there before what was kept has been read.
+    await openCast(page, "low.asvp");
+    await page.evaluate(() => {
+      sessionStorage.removeItem("is-late");
+      (window as unknown as { go(): void }).go();
+    });
+    const offer = told(page, "There are edits of low.asvp that were not saved, of");
+    await offer.waitFor();
+    await edit(page, "Reverse");
+    await stored(page, 2);
+    await page.keyboard.press("Control+z");
+    await stored(page, 1);
+    await page.reload();
+    await offer.getByRole("button", { name: "Restore", exact: true }).click();
+    await shown(page, "low.asvp");
+    assert.deepEqual((await levels(page)).depths, [0, 2.5, 10, 20]);
+    await stored(page, 1);
     await page.context().close();
   });
 
