@@ -17,9 +17,8 @@ using namespace hosttest;
 
 namespace {
 
-/// Within two seconds, and more for a machine that is busy with other tests. Waiting for what does
-/// not listen would take ten.
-constexpr int kSoonMs = 8000;
+/// Within two seconds, and a little for a machine that is busy with other tests.
+constexpr int kSoonMs = 4000;
 
 /// Has the plug-in busy by the time it returns.
 void beginCall(PageClient& page, int milliseconds)

@@ -111,6 +111,5 @@ test("long runs of blanks inside a field cost no more than their length", () => 
   const field = `1${" ".repeat(2_000_000)}1`;
   const begun = performance.now();
   assert.equal(numberIn(field), null);
-  // A few milliseconds; growing with its square it would take hours.
-  assert.ok(performance.now() - begun < 10_000);
+  assert.ok(performance.now() - begun < 1000);
 });
