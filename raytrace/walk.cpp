@@ -111,6 +111,7 @@ bool Walk::refuseLayer()
         return refuse("@raypath : return = -2, FFF");
     if (!std::isfinite(upper().gradient))
         return refuseNumbers(Step::Enter);
+    // Not a letter of the row, and a blank before the comma: none of the exits above.
     return refuse("@raypath : return = -2 , XXX");
 }
 

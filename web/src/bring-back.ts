@@ -36,8 +36,8 @@ export async function bringBack(
       restore(left);
       continue;
     }
-    // Where they cannot be put aside, they are lost only with the page.
-    const page = left.isOwn ? await store.putAside(left).catch(() => left.page) : left.page;
+    // Where they cannot be put aside there is nothing to forget, and they are lost only with the page.
+    const page = left.isOwn ? await store.putAside(left).catch(() => "") : left.page;
     const forget = () => void store.forget(page);
     messages.add({
       kind: "notice",

@@ -95,6 +95,8 @@ export class UnsavedStore {
 
   /// Forgets what another page has left.
   async forget(page: string): Promise<void> {
+    // What is restored of them is kept as this page's own first.
+    await this.busy;
     await this.run("readwrite", (store) => store.delete(page)).catch(() => undefined);
   }
 

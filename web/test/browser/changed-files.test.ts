@@ -6,7 +6,7 @@ import { describe, test } from "node:test";
 import type { Locator, Page } from "playwright-core";
 import { cell, edit, stored, unsaved } from "./editing-parts";
 import { levels } from "./reshape-parts";
-import { Stage, connected, openCast, seaLevels, shown, told } from "./stage";
+import { Stage, connected, openCast, openListed, seaLevels, shown, told } from "./stage";
 
 const leaving = (page: Page): Locator => page.getByRole("dialog", { name: "Leave without saving?" });
 const changed = (page: Page): Locator => told(page, "a.asvp has changed on disk since it was opened.");
@@ -29,16 +29,7 @@ describe("files that change on disk", () => {
   const opened = async (page: Page): Promise<void> => {
     await stage.host.writeCast("a.asvp", seaLevels([0, 100, 300]));
     await refresh(page);
-    const before = await page.evaluate(() => performance.now());
-    await openCast(page, "a.asvp");
-    // The list that is read once the cast is drawn says what the file was like then.
-    await page.waitForFunction((time) => {
-      const drawn = performance.getEntriesByName("cast drawn").find(({ startTime }) => startTime > time);
-      const lists = performance.getEntriesByType("resource").filter(({ name }) => name.includes("api/casts"));
-      return drawn && lists.some(({ startTime }) => startTime > drawn.startTime);
-    }, before);
-    // What was asked for later has come later.
-    await page.evaluate(() => fetch("api/casts", { cache: "no-store" }).then((answer) => answer.text()));
+    await openListed(page, "a.asvp");
   };
 
   test("“Open it” brings the file as it is then, and not as it was when it was offered", async () => {

@@ -102,6 +102,13 @@ describe("reworking a cast", () => {
     await page.context().close();
   });
 
+  /// Opens a cast and edits it, and waits until that is kept in the browser.
+  async function editLow(page: Page): Promise<void> {
+    await openCast(page, "low.asvp");
+    await page.getByRole("button", { name: "Add 0 m level" }).click();
+    await stored(page, 1);
+  }
+
   /// Loads the page again; leaving is announced, and the test agrees.
   async function again(page: Page): Promise<void> {
     page.once("dialog", (dialog) => void dialog.accept());
@@ -121,9 +128,7 @@ describe("reworking a cast", () => {
       },
     });
     const deleted = () => page.evaluate(() => (window as unknown as { deleted: number }).deleted);
-    await openCast(page, "low.asvp");
-    await page.getByRole("button", { name: "Add 0 m level" }).click();
-    await stored(page, 1);
+    await editLow(page);
     await again(page);
     await stored(page, 1);
     assert.equal(await deleted(), 0);
@@ -160,9 +165,7 @@ describe("reworking a cast", () => {
         navigator.locks.query = () => asked.then(plain);
       },
     });
-    await openCast(page, "low.asvp");
-    await page.getByRole("button", { name: "Add 0 m level" }).click();
-    await stored(page, 1);
+    await editLow(page);
     await page.evaluate(() => sessionStorage.setItem("is-late", "yes"));
     page.once("dialog", (dialog) => void dialog.accept());
     await page.reload();
@@ -189,9 +192,7 @@ describe("reworking a cast", () => {
   test("edits come back though the browser is late to let go of the page that had them", async () => {
     const page = await stage.page();
     const late = await stage.newPage({ context: page.context() });
-    await openCast(page, "low.asvp");
-    await page.getByRole("button", { name: "Add 0 m level" }).click();
-    await stored(page, 1);
+    await editLow(page);
     const name = await page.evaluate(() => sessionStorage.getItem("svp-editor-page"));
     // Has the page's lock until the page that is loaded asks for it.
     await late.evaluate((lock) => new Promise<void>((held) => {
@@ -209,9 +210,7 @@ describe("reworking a cast", () => {
   test("edits that a closed page has left are offered; those of an open one are not", async () => {
     const page = await stage.page();
     const other = await stage.newPage({ context: page.context() });
-    await openCast(other, "low.asvp");
-    await other.getByRole("button", { name: "Add 0 m level" }).click();
-    await stored(other, 1);
+    await editLow(other);
     const third = await stage.newPage({ context: page.context() });
     await third.waitForTimeout(300);
     assert.equal(await third.locator("#messages").isHidden(), true);

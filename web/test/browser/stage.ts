@@ -161,6 +161,20 @@ export async function openCast(page: Page, name: string): Promise<void> {
   await page.locator('#plot[aria-busy="false"]').waitFor();
 }
 
+/// Opens a cast and waits until the page has the list that it reads after that, which says what the file
+/// was like then.
+export async function openListed(page: Page, name: string): Promise<void> {
+  const before = await page.evaluate(() => performance.now());
+  await openCast(page, name);
+  await page.waitForFunction((time) => {
+    const drawn = performance.getEntriesByName("cast drawn").find(({ startTime }) => startTime > time);
+    const lists = performance.getEntriesByType("resource").filter((entry) => entry.name.includes("api/casts"));
+    return drawn && lists.some(({ startTime }) => startTime > drawn.startTime);
+  }, before);
+  // What was asked for later has come later.
+  await page.evaluate(() => fetch("api/casts", { cache: "no-store" }).then((answer) => answer.text()));
+}
+
 /// Waits until a cast is the open one, drawn and listed.
 export async function shown(page: Page, name: string): Promise<void> {
   await page.locator(`body[data-cast="${name}"]`).waitFor();
